@@ -1,0 +1,110 @@
+// ConfigFile.h: the lexical layer of all configuration files (".ocf").  (Library-internal.)
+//
+// Tokens: white space is blank, tab, carriage return and line feed; each of the 24 characters
+// =+,;:~/!@#$%^&*(){}[]|<> is a token by itself; ";" begins a comment that runs to the end of its line; a
+// double quote or an apostrophe at the start of a token opens a quoted one, which ends at the same quote or
+// at the line's end and knows no escapes. docs/formats/configuration-files.md tells the format in full.
+//
+// Failures carry the unit "ConfigFile": 1027 for a call in the wrong state, 1028 for a file that does not
+// open, 1030 for a failed write.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace orv {
+
+/// Splits a file into tokens.  Every read character is a byte; no character is special beyond those named
+/// above.
+class ConfigFileReader {
+ public:
+  /// @param unescape  undo backslash escapes in unquoted tokens.  No file of this library turns it on.
+  explicit ConfigFileReader(bool unescape = false);
+  ~ConfigFileReader();
+  ConfigFileReader(const ConfigFileReader&) = delete;
+  ConfigFileReader& operator=(const ConfigFileReader&) = delete;
+
+  /// Opens a file; false when it does not open.  Raises 1027 when one is open already.
+  bool TryOpen(const char* fileName);
+  /// The same, but a file that does not open raises 1028.
+  bool Open(const char* fileName);
+  void Close();
+
+  /// Reads the next token; false at the end of the file.
+  bool Next();
+  /// Gives the present token back, so that Next reads it again.  One token only.
+  void GiveBack() { m_bGivenBack = true; }
+
+  const std::string& Token() const { return m_Token; }
+  /// Number of the line that was read last, from 1; a line feed that ends a token is not counted until it is
+  /// read.
+  int Line() const { return m_Line; }
+  const char* FileName() const { return m_FileName.c_str(); }
+
+ private:
+  static constexpr int kEnd = -1;   // end of file
+  static constexpr int kNone = -1;  // nothing pushed back
+
+  int ReadCharacter();
+  void PushBack(int c);
+  void SkipComment();
+  void ReadQuoted(int quote);
+  void ReadPlain(int first);
+
+  std::string m_FileName;
+  std::FILE* m_pFile = nullptr;
+  int m_Line = 1;
+  std::string m_Token;
+  bool m_bUnescape;
+  int m_Pushback = kNone;
+  bool m_bGivenBack = false;
+  std::vector<char> m_Buffer;
+  size_t m_Used = 0;    // characters of the buffer already read
+  size_t m_Filled = 0;  // characters in the buffer
+};
+
+/// Writes a configuration file.  Lines end in a line feed on every platform.
+class ConfigFileWriter {
+ public:
+  enum class Escape {
+    None = 0,      ///< text as it is
+    All = 1,       ///< control characters and backslashes escaped
+    KeepLines = 2  ///< the same, but a line feed stays one
+  };
+
+  explicit ConfigFileWriter(Escape escape = Escape::None) : m_Escape(escape) {}
+  /// Closes silently.
+  ~ConfigFileWriter();
+  ConfigFileWriter(const ConfigFileWriter&) = delete;
+  ConfigFileWriter& operator=(const ConfigFileWriter&) = delete;
+
+  /// Creates a file; false when it cannot be created.  Raises 1027 when one is open already.
+  bool TryOpen(const char* fileName);
+  /// The same, but a file that cannot be created raises 1028.
+  bool Open(const char* fileName);
+  /// Raises 1030 when the last bytes cannot be written.
+  void Close();
+
+  /// Writes a text as one piece; raises 1027 without an open file, 1030 when the write fails.
+  void Write(const std::string& text);
+  /// Formats in the C locale, then writes.
+#if defined(__GNUC__)
+  __attribute__((format(printf, 2, 3)))
+#endif
+  void
+  Print(const char* format, ...);
+
+  /// Line feeds written so far.
+  int Lines() const {
+    return m_Lines;
+  }
+
+ private:
+  std::string m_FileName;
+  std::FILE* m_pFile = nullptr;
+  int m_Lines = 0;
+  Escape m_Escape;
+};
+
+}  // namespace orv

@@ -1,0 +1,157 @@
+#define WIN32_LEAN_AND_MEAN
+#define NOMINMAX
+#include <windows.h>
+
+#include <float.h>
+#include <locale.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "orv/core/Platform.h"
+
+namespace orv::platform {
+
+const char kSeparator = '\\';
+const char kPathListSeparator = ';';
+
+namespace {
+
+std::string FileNameOf(HMODULE module) {
+  std::string name(MAX_PATH, '\0');
+  for (;;) {
+    const DWORD length = ::GetModuleFileNameA(module, name.data(), static_cast<DWORD>(name.size()));
+    if (length == 0) return "";
+    if (length < name.size()) return name.substr(0, length);
+    name.resize(name.size() * 2);
+  }
+}
+
+struct LoadedPaths {
+  std::string module;
+  std::string executable;
+
+  LoadedPaths() {
+    HMODULE self = nullptr;
+    if (::GetModuleHandleExA(
+            GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+            &kSeparator, &self)) {
+      module = FileNameOf(self);
+    }
+    executable = FileNameOf(nullptr);
+    if (module.empty()) module = executable;
+  }
+};
+
+const LoadedPaths& Paths() {
+  static const LoadedPaths paths;
+  return paths;
+}
+
+// Taken at load, before the host can change its working directory.
+[[maybe_unused]] const LoadedPaths& kTakenAtLoad = Paths();
+
+_locale_t CLocale() {
+  static const _locale_t locale = ::_create_locale(LC_ALL, "C");
+  return locale;
+}
+
+}  // namespace
+
+const std::string& ModulePath() {
+  return Paths().module;
+}
+const std::string& ExecutablePath() {
+  return Paths().executable;
+}
+
+std::FILE* OpenFile(const char* path, const char* mode) {
+  if (!path || *path == '\0') return nullptr;
+  return std::fopen(path, mode);
+}
+
+std::vector<std::string> ListFiles(const std::string& folder) {
+  std::vector<std::string> names;
+  WIN32_FIND_DATAA found;
+  const HANDLE search = ::FindFirstFileA((folder + "\\*").c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) return names;
+  do {
+    if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) names.emplace_back(found.cFileName);
+  } while (::FindNextFileA(search, &found));
+  ::FindClose(search);
+  std::sort(names.begin(), names.end(),
+            [](const std::string& a, const std::string& b) { return ::_stricmp(a.c_str(), b.c_str()) < 0; });
+  return names;
+}
+
+uint32_t TickMilliseconds() {
+  return static_cast<uint32_t>(::GetTickCount64());
+}
+
+int FormatInCLocale(char* out, size_t size, const char* format, std::va_list args) {
+  // The length is asked for first: the run-time library gives -1, not the length, when the text is cut.
+  std::va_list again;
+  va_copy(again, args);
+  const int length = ::_vscprintf_l(format, CLocale(), again);
+  va_end(again);
+  if (size > 0) {
+    ::_vsnprintf_l(out, size, format, CLocale(), args);
+    out[size - 1] = '\0';
+  }
+  return length;
+}
+
+double ToDoubleInCLocale(const char* text) {
+  return ::_strtod_l(text, nullptr, CLocale());
+}
+
+// ---- floating-point traps
+// ---------------------------------------------------------------------------------------
+namespace {
+constexpr unsigned kFour = _EM_ZERODIVIDE | _EM_OVERFLOW | _EM_UNDERFLOW | _EM_DENORMAL;
+
+unsigned FourOf(unsigned zeroDivide, unsigned overflow, unsigned underflow, unsigned denormal) {
+  unsigned set = 0;
+  if (zeroDivide) set |= FpZeroDivide;
+  if (overflow) set |= FpOverflow;
+  if (underflow) set |= FpUnderflow;
+  if (denormal) set |= FpDenormal;
+  return set;
+}
+}  // namespace
+
+unsigned UnmaskedFpExceptions() {
+  const unsigned unmasked = ~::_controlfp(0, 0);
+  return FourOf(unmasked & _EM_ZERODIVIDE, unmasked & _EM_OVERFLOW, unmasked & _EM_UNDERFLOW,
+                unmasked & _EM_DENORMAL);
+}
+
+void HoldFpExceptions(FpEnvironment& saved) {
+  const unsigned word = ::_controlfp(0, 0);
+  std::memcpy(saved.bytes, &word, sizeof word);
+  ::_clearfp();
+  ::_controlfp(_MCW_EM, _MCW_EM);
+}
+
+unsigned RaisedFpExceptions() {
+  const unsigned status = ::_statusfp();
+  return FourOf(status & _SW_ZERODIVIDE, status & _SW_OVERFLOW, status & _SW_UNDERFLOW,
+                status & _SW_DENORMAL);
+}
+
+void RestoreFpEnvironment(const FpEnvironment& saved) {
+  unsigned word;
+  std::memcpy(&word, saved.bytes, sizeof word);
+  ::_clearfp();
+  ::_controlfp(word, _MCW_EM);
+}
+
+void ClearAndUnmaskFpExceptions() {
+  ::_clearfp();
+  ::_controlfp(0, kFour);
+}
+
+}  // namespace orv::platform

@@ -1,0 +1,27 @@
+#include "orv/core/internal/ConfigEntry.h"
+
+#include "orv/core/ORVGlobals.h"
+
+namespace orv::internal {
+
+bool OpenListFile(ConfigFileReader& reader, const ListFile& file, const char* fileName, bool bReportMissing,
+                  const ErrorSite& site) {
+  if (!fileName) fileName = file.defaultName;
+  std::string path;
+  if (!ORVFindConfigFile(fileName, path)) {
+    return bReportMissing && ORV_FAIL_AT(site, ErrFileMissing, file.notFound, fileName);
+  }
+  if (reader.TryOpen(path.c_str())) return true;
+  return (bReportMissing || file.bAlwaysReportUnopenable) &&
+         ORV_FAIL_AT(site, ErrFileMissing, file.notOpened, path.c_str());
+}
+
+bool CreateListFile(ConfigFileWriter& writer, const ListFile& file, const char* fileName,
+                    const ErrorSite& site) {
+  if (!fileName) fileName = file.defaultName;
+  if (!writer.TryOpen(fileName)) return ORV_FAIL_AT(site, ErrFileMissing, file.notWritable, fileName);
+  writer.Write(file.header);
+  return true;
+}
+
+}  // namespace orv::internal

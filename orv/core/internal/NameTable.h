@@ -1,0 +1,55 @@
+// NameTable.h: vocabularies, the numbers of an enumeration with their spellings.
+//
+// A vocabulary is an array of rows in stored order.  The first row of a number is its canonical one.  A row
+// may carry a second spelling.  NameOf and IdOf are the only look-ups.
+#pragma once
+
+#include <cstddef>
+
+#include "orv/core/internal/Text.h"
+
+namespace orv::internal {
+
+template <class E>
+struct NameRow {
+  E number;
+  const char* name;             ///< the spelling that is written
+  const char* other = nullptr;  ///< a further spelling of the same row, or null
+};
+
+/// The first row of a number, or null.
+template <class Row, size_t N, class E>
+const Row* RowOf(const Row (&rows)[N], E number) {
+  for (const Row& row : rows) {
+    if (row.number == number) return &row;
+  }
+  return nullptr;
+}
+
+/// The canonical spelling of a number, or null when no row has it.
+template <class Row, size_t N, class E>
+const char* NameOf(const Row (&rows)[N], E number) {
+  const Row* const row = RowOf(rows, number);
+  return row ? row->name : nullptr;
+}
+
+/// The first row with that spelling, without regard to case, or null; a null or empty text has none.
+template <class Row, size_t N>
+const Row* RowNamed(const Row (&rows)[N], const char* name) {
+  if (!name || *name == '\0') return nullptr;
+  for (const Row& row : rows) {
+    if (row.name && EqualIgnoringCase(row.name, name)) return &row;
+    if (row.other && EqualIgnoringCase(row.other, name)) return &row;
+  }
+  return nullptr;
+}
+
+/// The number of a spelling; the enumeration's 0 when there is none.
+template <class Row, size_t N>
+auto IdOf(const Row (&rows)[N], const char* name) {
+  using E = decltype(Row::number);
+  const Row* const row = RowNamed(rows, name);
+  return row ? row->number : static_cast<E>(0);
+}
+
+}  // namespace orv::internal

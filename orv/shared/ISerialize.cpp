@@ -1,0 +1,7 @@
+#include "orv/shared/ISerialize.h"
+
+namespace shr {
+
+ISerialize::~ISerialize() = default;
+
+}  // namespace shr
