@@ -93,14 +93,11 @@ std::string Escaped(const std::string& text, bool keepLines) {
 
 }  // namespace
 
-// ---- reader
-// -----------------------------------------------------------------------------------------------------
+// ---- reader ----------------------------------------------------------------------------------------------
 
 ConfigFileReader::ConfigFileReader(bool unescape) : m_bUnescape(unescape) {}
 
-ConfigFileReader::~ConfigFileReader() {
-  Close();
-}
+ConfigFileReader::~ConfigFileReader() { Close(); }
 
 bool ConfigFileReader::TryOpen(const char* fileName) {
   fileName = internal::EmptyIfNull(fileName);
@@ -201,8 +198,7 @@ bool ConfigFileReader::Next() {
   }
 }
 
-// ---- writer
-// -----------------------------------------------------------------------------------------------------
+// ---- writer ----------------------------------------------------------------------------------------------
 
 ConfigFileWriter::~ConfigFileWriter() {
   if (m_pFile) std::fclose(m_pFile);

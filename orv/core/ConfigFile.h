@@ -96,9 +96,7 @@ class ConfigFileWriter {
   Print(const char* format, ...);
 
   /// Line feeds written so far.
-  int Lines() const {
-    return m_Lines;
-  }
+  int Lines() const { return m_Lines; }
 
  private:
   std::string m_FileName;

@@ -15,12 +15,9 @@ namespace {
 
 constexpr char kTypes[] = "bdufsv{}";
 
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-// ---- writing
-// ----------------------------------------------------------------------------------------------------
+// ---- writing ---------------------------------------------------------------------------------------------
 
 bool NeedsEscape(unsigned char byte) {
   return byte < 32 || byte == 127 || byte == '"' || byte == '<' || byte == '>';
@@ -36,12 +33,9 @@ void AppendElements(std::string& out, const void* data, size_t count, F textOf) 
 }
 
 // A zero of either sign is written "0".
-std::string DoubleText(double value) {
-  return value == 0.0 ? "0" : internal::Format("%.18e", value);
-}
+std::string DoubleText(double value) { return value == 0.0 ? "0" : internal::Format("%.18e", value); }
 
-// ---- reading
-// ----------------------------------------------------------------------------------------------------
+// ---- reading ---------------------------------------------------------------------------------------------
 
 struct Header {
   char type = 0;

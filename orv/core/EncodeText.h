@@ -23,14 +23,14 @@ inline constexpr char kBlockEnd = '}';
 ///
 /// @param name   null writes the name length 0 and no name.
 /// @param type   one of the eight letters, else "Bad data type while encoding data."; the header written so
-/// far stays
-///               in `out`.
+///               far stays in `out`.
 /// @param data   for b: const bool*, d: const int*, u: const unsigned*, f: const double*, s: a terminated
-/// text (null
-///               means empty), v: bytes; unused for blocks.
-/// @param count  elements; for s the text's own length is written instead.  For b, d, f, u and v a count of 0
-/// or null
-///               data raises "Bad count or bad data pointer while encoding data.".
+///               text (null means empty), v: bytes; unused for blocks.
+/// @param count  elements; for s the text's own length is written instead.  For b, d, f, u and v a count of
+///               0 or null data raises "Bad count or bad data pointer while encoding data.".
+///
+/// A backslash in a string is written as it is, but the reader takes it for the beginning of an escape: a
+/// text that holds one does not come back (deliberate).
 void ORVEncodeValue(std::string& out, const char* name, char type, const void* data, size_t count);
 
 /// Reads the header of the item that starts at the cursor, which does not move.  False, without a report,

@@ -28,21 +28,12 @@ bool& FpFault() {
   return fault;
 }
 
-// ---- error state
-// ------------------------------------------------------------------------------------------------
+// ---- error state -----------------------------------------------------------------------------------------
 
-const char* ORVGetErrorText() {
-  return Errors().text.c_str();
-}
-const char* ORVGetErrorFile() {
-  return Errors().file.c_str();
-}
-int ORVGetErrorLine() {
-  return Errors().line;
-}
-int ORVGetErrorCode() {
-  return Errors().code;
-}
+const char* ORVGetErrorText() { return Errors().text.c_str(); }
+const char* ORVGetErrorFile() { return Errors().file.c_str(); }
+int ORVGetErrorLine() { return Errors().line; }
+int ORVGetErrorCode() { return Errors().code; }
 
 void RecordSite(const ErrorSite& site) {
   Errors().file = site.unit;
@@ -66,22 +57,15 @@ bool ORVSetError(int code, const char* format, ...) {
   return false;
 }
 
-void ORVResetError() {
-  Errors() = ErrorState();
-}
+void ORVResetError() { Errors() = ErrorState(); }
 
-// ---- configuration files
-// ----------------------------------------------------------------------------------------
+// ---- configuration files ---------------------------------------------------------------------------------
 
 namespace {
 
-bool IsSeparator(char c) {
-  return c == '/' || c == '\\';
-}
+bool IsSeparator(char c) { return c == '/' || c == '\\'; }
 
-bool HoldsSeparator(const std::string& path) {
-  return std::any_of(path.begin(), path.end(), IsSeparator);
-}
+bool HoldsSeparator(const std::string& path) { return std::any_of(path.begin(), path.end(), IsSeparator); }
 
 // Folder of a file, without the separator; the whole text when it holds none.
 std::string FolderOf(const std::string& path) {
@@ -120,13 +104,9 @@ std::string Joined(const std::string& folder, const std::string& name) {
 
 }  // namespace
 
-void ORVSetConfigPath(const char* path) {
-  Globals().configPath = internal::EmptyIfNull(path);
-}
+void ORVSetConfigPath(const char* path) { Globals().configPath = internal::EmptyIfNull(path); }
 
-const char* ORVGetConfigPath() {
-  return internal::NullIfEmpty(Globals().configPath);
-}
+const char* ORVGetConfigPath() { return internal::NullIfEmpty(Globals().configPath); }
 
 bool ORVFindConfigFile(const char* fileName, std::string& fullPath) {
   if (!fileName || *fileName == '\0') return false;

@@ -35,9 +35,9 @@ uint32_t TickMilliseconds();
 int FormatInCLocale(char* out, size_t size, const char* format, std::va_list args);
 double ToDoubleInCLocale(const char* text);
 
-// ---- floating-point traps
-// --------------------------------------------------------------------------------------- Bits of a set of
-// floating-point exceptions, the same on all platforms.
+// ---- floating-point traps --------------------------------------------------------------------------------
+
+/// Bits of a set of floating-point exceptions, the same on all platforms.
 enum FpException : unsigned {
   FpZeroDivide = 1,
   FpOverflow = 2,

@@ -2,7 +2,6 @@
 #include <dlfcn.h>
 #include <locale.h>
 #include <stdlib.h>
-#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,6 +16,7 @@
 #endif
 
 #include "orv/core/Platform.h"
+#include "orv/core/internal/Text.h"
 
 namespace orv::platform {
 
@@ -62,12 +62,8 @@ bool IsRegularFile(const char* path) {
 
 }  // namespace
 
-const std::string& ModulePath() {
-  return Paths().module;
-}
-const std::string& ExecutablePath() {
-  return Paths().executable;
-}
+const std::string& ModulePath() { return Paths().module; }
+const std::string& ExecutablePath() { return Paths().executable; }
 
 std::FILE* OpenFile(const char* path, const char* mode) {
   if (!path || *path == '\0') return nullptr;
@@ -85,7 +81,7 @@ std::vector<std::string> ListFiles(const std::string& folder) {
   }
   ::closedir(directory);
   std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
-    const int order = ::strcasecmp(a.c_str(), b.c_str());
+    const int order = internal::CompareIgnoringCase(a.c_str(), b.c_str());  // in no locale
     return order != 0 ? order < 0 : a < b;
   });
   return names;
@@ -103,12 +99,9 @@ int FormatInCLocale(char* out, size_t size, const char* format, std::va_list arg
   return length;
 }
 
-double ToDoubleInCLocale(const char* text) {
-  return ::strtod_l(text, nullptr, CLocale());
-}
+double ToDoubleInCLocale(const char* text) { return ::strtod_l(text, nullptr, CLocale()); }
 
-// ---- floating-point traps
-// ---------------------------------------------------------------------------------------
+// ---- floating-point traps --------------------------------------------------------------------------------
 #if defined(__SSE2__)
 
 namespace {
@@ -128,9 +121,7 @@ unsigned FourOf(unsigned mxcsrStatusBits) {
 }
 }  // namespace
 
-unsigned UnmaskedFpExceptions() {
-  return FourOf((~_mm_getcsr() & kMxcsrMasks) >> kMaskShift);
-}
+unsigned UnmaskedFpExceptions() { return FourOf((~_mm_getcsr() & kMxcsrMasks) >> kMaskShift); }
 
 void HoldFpExceptions(FpEnvironment& saved) {
   const unsigned word = _mm_getcsr();
@@ -138,9 +129,7 @@ void HoldFpExceptions(FpEnvironment& saved) {
   _mm_setcsr((word & ~kMxcsrStatus) | kMxcsrMasks);
 }
 
-unsigned RaisedFpExceptions() {
-  return FourOf(_mm_getcsr() & kMxcsrStatus);
-}
+unsigned RaisedFpExceptions() { return FourOf(_mm_getcsr() & kMxcsrStatus); }
 
 void RestoreFpEnvironment(const FpEnvironment& saved) {
   unsigned word;
@@ -168,13 +157,9 @@ unsigned FourOf(int set) {
 static_assert(sizeof(std::fenv_t) <= sizeof(FpEnvironment), "FpEnvironment is too small for this platform");
 
 #if defined(__GLIBC__)
-unsigned UnmaskedFpExceptions() {
-  return FourOf(::fegetexcept());
-}
+unsigned UnmaskedFpExceptions() { return FourOf(::fegetexcept()); }
 #else
-unsigned UnmaskedFpExceptions() {
-  return 0;
-}
+unsigned UnmaskedFpExceptions() { return 0; }
 #endif
 
 void HoldFpExceptions(FpEnvironment& saved) {
@@ -183,9 +168,7 @@ void HoldFpExceptions(FpEnvironment& saved) {
   std::memcpy(saved.bytes, &environment, sizeof environment);
 }
 
-unsigned RaisedFpExceptions() {
-  return FourOf(std::fetestexcept(FE_ALL_EXCEPT));
-}
+unsigned RaisedFpExceptions() { return FourOf(std::fetestexcept(FE_ALL_EXCEPT)); }
 
 void RestoreFpEnvironment(const FpEnvironment& saved) {
   std::fenv_t environment;

@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "orv/core/Platform.h"
+#include "orv/core/internal/Text.h"
 
 namespace orv::platform {
 
@@ -61,12 +62,8 @@ _locale_t CLocale() {
 
 }  // namespace
 
-const std::string& ModulePath() {
-  return Paths().module;
-}
-const std::string& ExecutablePath() {
-  return Paths().executable;
-}
+const std::string& ModulePath() { return Paths().module; }
+const std::string& ExecutablePath() { return Paths().executable; }
 
 std::FILE* OpenFile(const char* path, const char* mode) {
   if (!path || *path == '\0') return nullptr;
@@ -82,14 +79,13 @@ std::vector<std::string> ListFiles(const std::string& folder) {
     if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) names.emplace_back(found.cFileName);
   } while (::FindNextFileA(search, &found));
   ::FindClose(search);
-  std::sort(names.begin(), names.end(),
-            [](const std::string& a, const std::string& b) { return ::_stricmp(a.c_str(), b.c_str()) < 0; });
+  std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
+    return internal::CompareIgnoringCase(a.c_str(), b.c_str()) < 0;  // in no locale
+  });
   return names;
 }
 
-uint32_t TickMilliseconds() {
-  return static_cast<uint32_t>(::GetTickCount64());
-}
+uint32_t TickMilliseconds() { return static_cast<uint32_t>(::GetTickCount64()); }
 
 int FormatInCLocale(char* out, size_t size, const char* format, std::va_list args) {
   // The length is asked for first: the run-time library gives -1, not the length, when the text is cut.
@@ -104,12 +100,9 @@ int FormatInCLocale(char* out, size_t size, const char* format, std::va_list arg
   return length;
 }
 
-double ToDoubleInCLocale(const char* text) {
-  return ::_strtod_l(text, nullptr, CLocale());
-}
+double ToDoubleInCLocale(const char* text) { return ::_strtod_l(text, nullptr, CLocale()); }
 
-// ---- floating-point traps
-// ---------------------------------------------------------------------------------------
+// ---- floating-point traps --------------------------------------------------------------------------------
 namespace {
 constexpr unsigned kFour = _EM_ZERODIVIDE | _EM_OVERFLOW | _EM_UNDERFLOW | _EM_DENORMAL;
 
@@ -137,9 +130,10 @@ void HoldFpExceptions(FpEnvironment& saved) {
 }
 
 unsigned RaisedFpExceptions() {
+  // The status word has the bits of the masks.
   const unsigned status = ::_statusfp();
-  return FourOf(status & _SW_ZERODIVIDE, status & _SW_OVERFLOW, status & _SW_UNDERFLOW,
-                status & _SW_DENORMAL);
+  return FourOf(status & _EM_ZERODIVIDE, status & _EM_OVERFLOW, status & _EM_UNDERFLOW,
+                status & _EM_DENORMAL);
 }
 
 void RestoreFpEnvironment(const FpEnvironment& saved) {

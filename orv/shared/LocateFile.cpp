@@ -15,12 +15,22 @@ namespace {
 
 namespace platform = orv::platform;
 
-bool Found(const std::string& folder, const char* name, std::string& path) {
-  if (folder.empty()) return false;
-  const std::string candidate = folder + platform::kSeparator + name;
-  std::FILE* const file = platform::OpenFile(candidate.c_str(), "rb");
+bool Opens(const std::string& path) {
+  std::FILE* const file = platform::OpenFile(path.c_str(), "rb");
   if (!file) return false;
   std::fclose(file);
+  return true;
+}
+
+// Tries a candidate as it stands and, where it holds backslashes, with them turned into "/".
+bool Found(const std::string& folder, const char* name, std::string& path) {
+  if (folder.empty()) return false;
+  std::string candidate = folder + platform::kSeparator + name;
+  if (!Opens(candidate)) {
+    if (candidate.find('\\') == std::string::npos) return false;
+    std::replace(candidate.begin(), candidate.end(), '\\', '/');
+    if (!Opens(candidate)) return false;
+  }
   path = candidate;
   return true;
 }

@@ -39,42 +39,20 @@ EllipsoidDef::EllipsoidDef(double majorRadius, double flattening, const char* to
   m_POSC = poscNumber;
 }
 
-void EllipsoidDef::Flush() {
-  *this = EllipsoidDef();
-}
+void EllipsoidDef::Flush() { *this = EllipsoidDef(); }
 
-const char* EllipsoidDef::GetToken() const {
-  return internal::NullIfEmpty(m_Token);
-}
-const char* EllipsoidDef::GetName() const {
-  return internal::NullIfEmpty(m_Name);
-}
-const char* EllipsoidDef::GetComment() const {
-  return internal::NullIfEmpty(m_Comment);
-}
-void EllipsoidDef::SetToken(const char* token) {
-  m_Token = internal::EmptyIfNull(token);
-}
-void EllipsoidDef::SetName(const char* name) {
-  m_Name = internal::EmptyIfNull(name);
-}
-void EllipsoidDef::SetComment(const char* comment) {
-  m_Comment = internal::EmptyIfNull(comment);
-}
+const char* EllipsoidDef::GetToken() const { return internal::NullIfEmpty(m_Token); }
+const char* EllipsoidDef::GetName() const { return internal::NullIfEmpty(m_Name); }
+const char* EllipsoidDef::GetComment() const { return internal::NullIfEmpty(m_Comment); }
+void EllipsoidDef::SetToken(const char* token) { m_Token = internal::EmptyIfNull(token); }
+void EllipsoidDef::SetName(const char* name) { m_Name = internal::EmptyIfNull(name); }
+void EllipsoidDef::SetComment(const char* comment) { m_Comment = internal::EmptyIfNull(comment); }
 
-int EllipsoidDef::GetPOSCNumber() const {
-  return m_POSC;
-}
-void EllipsoidDef::SetPOSCNumber(int posc) {
-  m_POSC = posc;
-}
+int EllipsoidDef::GetPOSCNumber() const { return m_POSC; }
+void EllipsoidDef::SetPOSCNumber(int posc) { m_POSC = posc; }
 
-double EllipsoidDef::GetMajorRadius() const {
-  return m_Radius;
-}
-double EllipsoidDef::GetFlattening() const {
-  return m_Flattening;
-}
+double EllipsoidDef::GetMajorRadius() const { return m_Radius; }
+double EllipsoidDef::GetFlattening() const { return m_Flattening; }
 double EllipsoidDef::GetMinorRadius() const {
   return m_Flattening == 0.0 ? m_Radius : (1.0 - m_Flattening) * m_Radius;
 }
@@ -96,9 +74,7 @@ void EllipsoidDef::SetFlattening(double flattening) {
   m_Flattening = flattening;
 }
 
-bool EllipsoidDef::IsUnknown() const {
-  return m_Radius <= 0.0;
-}
+bool EllipsoidDef::IsUnknown() const { return m_Radius <= 0.0; }
 
 bool EllipsoidDef::CheckParameters() const {
   std::string message;
@@ -130,9 +106,7 @@ bool EllipsoidDef::CompareParameters(const EllipsoidDef* other, bool tolerant) c
   return std::fabs(m_Flattening) > std::fabs(m_Flattening - other->m_Flattening);
 }
 
-void EllipsoidDef::EncodeToText(std::string& out) const {
-  internal::WriteBlock(*this, kBlock, out);
-}
+void EllipsoidDef::EncodeToText(std::string& out) const { internal::WriteBlock(*this, kBlock, out); }
 
 void EllipsoidDef::DecodeBlock(const std::string& text, size_t* at) {
   internal::ReadBlock(*this, kBlock, ORV_SITE, text, at);

@@ -10,6 +10,7 @@ namespace orv {
 
 namespace internal {
 struct BlockAccess;
+struct DatumEntry;
 struct EllipsoidEntry;
 }  // namespace internal
 
@@ -82,6 +83,7 @@ class ORV_API EllipsoidDef {
 
  private:
   friend struct internal::BlockAccess;
+  friend struct internal::DatumEntry;
   friend struct internal::EllipsoidEntry;
 
   template <class Walker, class Self>

@@ -95,19 +95,11 @@ EllipsoidList& EllipsoidList::operator=(const EllipsoidList& other) {
 }
 EllipsoidList::~EllipsoidList() = default;
 
-int EllipsoidList::First() const {
-  return m_pImpl->core.First();
-}
-int EllipsoidList::Last() const {
-  return m_pImpl->core.Last();
-}
-int EllipsoidList::Count() const {
-  return m_pImpl->core.Count();
-}
+int EllipsoidList::First() const { return m_pImpl->core.First(); }
+int EllipsoidList::Last() const { return m_pImpl->core.Last(); }
+int EllipsoidList::Count() const { return m_pImpl->core.Count(); }
 
-const EllipsoidDef* EllipsoidList::Enum(int index) const {
-  return m_pImpl->core.Get(index, ORV_SITE);
-}
+const EllipsoidDef* EllipsoidList::Enum(int index) const { return m_pImpl->core.Get(index, ORV_SITE); }
 
 bool EllipsoidList::Enum(int index, EllipsoidDef& out) const {
   const EllipsoidDef* const entry = m_pImpl->core.Get(index, ORV_SITE);
@@ -202,13 +194,9 @@ bool EllipsoidList::Remove(int index) {
   return true;
 }
 
-void EllipsoidList::Flush() {
-  m_pImpl->core.Clear();
-}
+void EllipsoidList::Flush() { m_pImpl->core.Clear(); }
 
-void EllipsoidList::CopyAll(const EllipsoidList& other) {
-  *m_pImpl = *other.m_pImpl;
-}
+void EllipsoidList::CopyAll(const EllipsoidList& other) { *m_pImpl = *other.m_pImpl; }
 
 bool EllipsoidList::Load(const char* fileName, bool bThrowIfFileMissing) {
   Flush();

@@ -5,11 +5,7 @@ namespace orv::internal {
 
 inline constexpr double kPi = 3.141592653589793;
 
-inline double ToRadians(double degrees) {
-  return degrees * kPi / 180.0;
-}
-inline double ToDegrees(double radians) {
-  return radians * 180.0 / kPi;
-}
+inline double ToRadians(double degrees) { return degrees * kPi / 180.0; }
+inline double ToDegrees(double radians) { return radians * 180.0 / kPi; }
 
 }  // namespace orv::internal

@@ -138,12 +138,23 @@ class KeyReader {
   void ReadOnly(const char* key, Self& self, void (*set)(Self&, double)) {
     if (Takes(key)) set(self, ReadDecimal(m_Value));
   }
-  /// A text that only the caller understands: parse(self, value) gives false to raise `bad` (1029, with the
-  /// value).
+  /// A number whose text only the caller understands: parse(self, text) gives false to raise `bad` (1029,
+  /// with file, line and the text).  It is written by `format` as it is.
   template <class Self>
-  void Parsed(const char* key, Self& self, bool (*parse)(Self&, const std::string&), const char* bad) {
+  void Parsed(const char* key, const char*, Self& self, double, bool (*parse)(Self&, const std::string&),
+              const char* bad) {
     if (Takes(key) && !parse(self, m_Value)) Complain(bad);
   }
+  /// The token of an entry of another list: take(self, token) gives false, when that list has no such entry,
+  /// to raise `unknown` (1029, with file, line and the token).
+  template <class Self>
+  void Reference(const char* key, const std::string&, Self& self, bool (*take)(Self&, const std::string&),
+                 const char* unknown, bool = true) {
+    if (Takes(key) && !take(self, m_Value)) Complain(unknown);
+  }
+
+  /// Whether one of the keys offered so far was the pair's.
+  bool Taken() const { return m_Taken; }
 
  private:
   bool Takes(const char* key) {
@@ -191,7 +202,15 @@ class KeyWriter {
   template <class Self>
   void ReadOnly(const char*, const Self&, void (*)(Self&, double)) {}
   template <class Self>
-  void Parsed(const char*, const Self&, bool (*)(Self&, const std::string&), const char*) {}
+  void Parsed(const char* key, const char* format, const Self&, double value,
+              bool (*)(Self&, const std::string&), const char*) {
+    Number(key, format, value);
+  }
+  template <class Self>
+  void Reference(const char* key, const std::string& token, const Self&, bool (*)(Self&, const std::string&),
+                 const char*, bool write = true) {
+    Text(key, token, write);
+  }
 
  private:
   // Names may hold anything: a line never passes through a format.

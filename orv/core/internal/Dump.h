@@ -25,12 +25,8 @@ class Dump {
   Dump&
   CutLine(size_t most, const char* format, ...);
 
-  std::string& Text() {
-    return m_Text;
-  }
-  size_t Indent() const {
-    return m_Indent;
-  }
+  std::string& Text() { return m_Text; }
+  size_t Indent() const { return m_Indent; }
 
  private:
   void Append(const std::string& line);
@@ -39,8 +35,6 @@ class Dump {
   size_t m_Indent;
 };
 
-inline const char* TrueOrFalse(bool value) {
-  return value ? "true" : "false";
-}
+inline const char* TrueOrFalse(bool value) { return value ? "true" : "false"; }
 
 }  // namespace orv::internal

@@ -36,10 +36,8 @@ void ORVResetError();
   namespace {                                          \
   [[maybe_unused]] constexpr const char* kUnit = name; \
   }
-#define ORV_SITE     \
-  ::orv::ErrorSite { \
-    kUnit, __LINE__  \
-  }
+#define ORV_SITE \
+  ::orv::ErrorSite { kUnit, __LINE__ }
 #define ORV_FAIL(code, ...) ORV_FAIL_AT(ORV_SITE, code, __VA_ARGS__)
 #define ORV_FAIL_AT(site, code, ...) (::orv::RecordSite(site), ::orv::ORVSetError((code), __VA_ARGS__))
 

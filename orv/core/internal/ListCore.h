@@ -3,19 +3,19 @@
 // What varies stands in a list's traits:
 //
 //     struct EllipsoidTraits {
-//       using Info = EllipsoidDef;                                // what an entry is
-//       static constexpr int kFirst = 2, kNone = 0;                // index of the first entry; what "not
-//       found" is static constexpr const char* kBadIndex = "Bad parameter to function call."; using Keys =
-//       std::tuple<NameKey, TokenKey, POSCKey>;       // one sorted index each; may be empty static inline
-//       const UniqueRule<ListCore<EllipsoidTraits>> kUnique[] = {...};   // in order; the first broken rule
-//       wins
+//       using Info = EllipsoidDef;                   // what an entry is
+//       static constexpr int kFirst = 2, kNone = 0;  // index of the first entry; what "not found" is
+//       static constexpr const char* kBadIndex = "Bad parameter to function call.";
+//       using Keys = std::tuple<NameKey, TokenKey>;  // one sorted index each; may be empty
+//       static const UniqueRule<ListCore<EllipsoidTraits>> kUnique[3];  // the first broken rule wins
 //     };
 //
 // A key is a struct with `static K Of(const Info&)` and `static int Compare(K, K)` (negative, 0 or positive).
-// docs of each face say which finds use an index and which scan.
+// The header of each list says which finds use an index and which scan.
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <tuple>
 #include <utility>
@@ -187,6 +187,7 @@ class ListCore {
  private:
   template <class Key, size_t... I>
   static constexpr size_t NumberOf(std::index_sequence<I...>) {
+    static_assert((std::is_same_v<Key, std::tuple_element_t<I, Keys>> || ...), "the list has no such key");
     size_t number = 0;
     ((std::is_same_v<Key, std::tuple_element_t<I, Keys>> ? void(number = I) : void()), ...);
     return number;
@@ -196,7 +197,7 @@ class ListCore {
     InsertIntoIndexes(position, std::make_index_sequence<std::tuple_size_v<Keys>>());
   }
   template <size_t... I>
-  void InsertIntoIndexes(uint32_t position, std::index_sequence<I...>) {
+  void InsertIntoIndexes([[maybe_unused]] uint32_t position, std::index_sequence<I...>) {
     (InsertInto<std::tuple_element_t<I, Keys>>(m_Indexes[I], position), ...);
   }
   template <class Key>

@@ -9,11 +9,7 @@ namespace orv::internal {
 /// The largest finite double: a coordinate that holds it has no value.
 inline constexpr double kMarker = 1.7976931348623157e308;
 
-inline bool IsMarked(const shr::Vec2d& point) {
-  return point.x == kMarker || point.y == kMarker;
-}
-inline void Mark(shr::Vec2d& point) {
-  point = shr::Vec2d(kMarker, kMarker);
-}
+inline bool IsMarked(const shr::Vec2d& point) { return point.x == kMarker || point.y == kMarker; }
+inline void Mark(shr::Vec2d& point) { point = shr::Vec2d(kMarker, kMarker); }
 
 }  // namespace orv::internal

@@ -10,9 +10,7 @@ namespace orv::internal {
 
 namespace {
 
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Length of the decimal number that the text begins with; 0 when there is none.
 size_t DecimalLength(std::string_view text) {

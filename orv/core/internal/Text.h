@@ -16,21 +16,13 @@ constexpr unsigned char FoldCase(char c) {
 /// case (so "_" sorts before letters).  A null text counts as empty.
 int CompareIgnoringCase(const char* a, const char* b);
 
-inline bool EqualIgnoringCase(const char* a, const char* b) {
-  return CompareIgnoringCase(a, b) == 0;
-}
-inline bool EqualIgnoringCase(const std::string& a, const char* b) {
-  return EqualIgnoringCase(a.c_str(), b);
-}
+inline bool EqualIgnoringCase(const char* a, const char* b) { return CompareIgnoringCase(a, b) == 0; }
+inline bool EqualIgnoringCase(const std::string& a, const char* b) { return EqualIgnoringCase(a.c_str(), b); }
 
 /// Null for an empty text, else its characters: the getters' way of saying "none".
-inline const char* NullIfEmpty(const std::string& text) {
-  return text.empty() ? nullptr : text.c_str();
-}
+inline const char* NullIfEmpty(const std::string& text) { return text.empty() ? nullptr : text.c_str(); }
 /// "" for a null pointer.
-inline const char* EmptyIfNull(const char* text) {
-  return text ? text : "";
-}
+inline const char* EmptyIfNull(const char* text) { return text ? text : ""; }
 
 /// printf into a string, in the C locale whatever the host has set; any length.
 #if defined(__GNUC__)

@@ -134,7 +134,6 @@ class ItemReader {
     }
     std::vector<double> values(m_Count / 2 * 2);
     ORVDecodeValue(m_Text, m_At, values.data(), 0, values.size());
-    points.reserve(points.size() + values.size() / 2);
     for (size_t i = 0; i < values.size(); i += 2) points.emplace_back(values[i], values[i + 1]);
   }
   template <class E, class Rows>

@@ -1,0 +1,433 @@
+#include "orv/core/ConfigFile.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "orv/core/Error.h"
+#include "orv/core/internal/Fail.h"
+#include "tests/support/CommaLocale.h"
+#include "tests/support/Generators.h"
+#include "tests/support/Raises.h"
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+using orv::ConfigFileReader;
+using orv::ConfigFileWriter;
+using orv::test::TempFolder;
+using Escape = ConfigFileWriter::Escape;
+
+#define EXPECT_FILE_FAILS(statement, code, text) EXPECT_RAISES(statement, code, "ConfigFile", text)
+
+struct Token {
+  std::string text;
+  int line;  // the reader's line after the token
+};
+bool operator==(const Token& a, const Token& b) { return a.text == b.text && a.line == b.line; }
+std::ostream& operator<<(std::ostream& out, const Token& t) { return out << "'" << t.text << "'@" << t.line; }
+
+std::vector<Token> TokensWithLines(const std::string& bytes, bool unescape = false) {
+  const TempFolder folder;
+  ConfigFileReader reader(unescape);
+  reader.Open(folder.Write("test.ocf", bytes).c_str());
+  std::vector<Token> tokens;
+  while (reader.Next()) tokens.push_back({reader.Token(), reader.Line()});
+  EXPECT_EQ(reader.Token(), "") << "the end of the file has no token";
+  EXPECT_FALSE(reader.Next()) << "the end of the file stays";
+  return tokens;
+}
+
+std::vector<std::string> Tokens(const std::string& bytes, bool unescape = false) {
+  std::vector<std::string> texts;
+  for (const Token& token : TokensWithLines(bytes, unescape)) texts.push_back(token.text);
+  return texts;
+}
+
+using Texts = std::vector<std::string>;
+
+std::string Written(const std::string& text, Escape escape, int* lines = nullptr) {
+  const TempFolder folder;
+  ConfigFileWriter writer(escape);
+  writer.Open(folder.Path("out.ocf").c_str());
+  writer.Write(text);
+  if (lines) *lines = writer.Lines();
+  writer.Close();
+  return folder.Read("out.ocf");
+}
+
+}  // namespace
+
+// ---- tokens ----------------------------------------------------------------------------------------------
+
+TEST(ConfigFileReader, AnAssignmentIsThreeTokens) {
+  EXPECT_EQ(Tokens("a=b"), Texts({"a", "=", "b"}));
+  EXPECT_EQ(Tokens("a = b ; note"), Texts({"a", "=", "b"}));
+  EXPECT_EQ(Tokens("a = b ; note\n"), Texts({"a", "=", "b"}));
+}
+
+TEST(ConfigFileReader, EachOfTheTwentyFourDelimitersIsATokenByItself) {
+  const std::string delimiters = "=+,:~/!@#$%^&*(){}[]|<>";  // and ";", which begins a comment
+  std::string text;
+  Texts expected;
+  for (const char c : delimiters) {
+    text += std::string("a") + c + c;
+    expected.insert(expected.end(), {"a", std::string(1, c), std::string(1, c)});
+  }
+  EXPECT_EQ(delimiters.size(), 23u);
+  EXPECT_EQ(Tokens(text), expected);
+  EXPECT_EQ(Tokens("a;b\nc"), Texts({"a", "c"}));
+}
+
+TEST(ConfigFileReader, OtherPunctuationIsOrdinary) {
+  EXPECT_EQ(Tokens("a-b_c.d?e\\f`g-1.5"), Texts({"a-b_c.d?e\\f`g-1.5"}));
+}
+
+TEST(ConfigFileReader, WhiteSpaceIsBlankTabCarriageReturnAndLineFeedOnly) {
+  EXPECT_EQ(Tokens(" \t\r\na\t b\r\nc \n\n"), Texts({"a", "b", "c"}));
+  // Vertical tab, form feed, NUL, the byte order mark, 255 and a no-break space are ordinary characters.
+  const std::string odd("a\vb\fc\0d\xEF\xBB\xBF\xFF\xA0", 12);
+  EXPECT_EQ(Tokens(odd), Texts({odd}));
+}
+
+TEST(ConfigFileReader, AnEmptyFileHasNoTokens) {
+  EXPECT_EQ(Tokens(""), Texts());
+  EXPECT_EQ(Tokens("  \r\n \t"), Texts());
+  EXPECT_EQ(Tokens("; only a comment"), Texts());
+  EXPECT_EQ(Tokens(";"), Texts());
+}
+
+TEST(ConfigFileReader, CommentsRunToTheEndOfTheLineWhateverTheyHold) {
+  EXPECT_EQ(Tokens("a ; \"quoted ' {x=y} ;\r\nb;c\\\nd"), Texts({"a", "b", "d"}));
+}
+
+TEST(ConfigFileReader, AHundredThousandCommentLinesAreOneLoop) {
+  std::string text;
+  for (int i = 0; i < 100000; ++i) text += ";\n";
+  EXPECT_EQ(TokensWithLines(text + "a"), std::vector<Token>({{"a", 100001}}));
+}
+
+TEST(ConfigFileReader, QuotedTokensHoldDelimitersAndBlanks) {
+  EXPECT_EQ(Tokens("\"x;y\""), Texts({"x;y"}));
+  EXPECT_EQ(Tokens("name=\"My = {grid}; \t 'a'\"next"), Texts({"name", "=", "My = {grid}; \t 'a'", "next"}));
+  EXPECT_EQ(Tokens("'a \"b\" c'"), Texts({"a \"b\" c"}));
+  EXPECT_EQ(Tokens("\"1e+5\" 1e+5"), Texts({"1e+5", "1e", "+", "5"}));
+}
+
+TEST(ConfigFileReader, AnEmptyQuotedTokenIsATokenToo) {
+  EXPECT_EQ(Tokens("comment=\"\" x=''"), Texts({"comment", "=", "", "x", "=", ""}));
+}
+
+TEST(ConfigFileReader, AQuoteThatIsNotClosedEndsWithItsLine) {
+  EXPECT_EQ(TokensWithLines("a \"no end\nnext"), std::vector<Token>({{"a", 1}, {"no end", 1}, {"next", 2}}));
+  EXPECT_EQ(Tokens("\"no end"), Texts({"no end"}));
+  EXPECT_EQ(Tokens("\""), Texts({""}));
+  EXPECT_EQ(Tokens("\"carriage return stays\r\nnext"), Texts({"carriage return stays\r", "next"}));
+  EXPECT_EQ(Tokens("\"wrong quote'\nnext"), Texts({"wrong quote'", "next"}));
+}
+
+TEST(ConfigFileReader, QuotesInsideATokenAreOrdinary) {
+  EXPECT_EQ(Tokens("lon=2d20'14.025\"E"), Texts({"lon", "=", "2d20'14.025\"E"}));
+  EXPECT_EQ(Tokens("a\"b c\"d"), Texts({"a\"b", "c\"d"}));
+  EXPECT_EQ(Tokens("\"a\"b"), Texts({"a", "b"}));
+}
+
+TEST(ConfigFileReader, LinesAreCountedAsTheyAreConsumed) {
+  EXPECT_EQ(TokensWithLines("a\nb\n\nc"), std::vector<Token>({{"a", 1}, {"b", 2}, {"c", 4}}));
+  EXPECT_EQ(TokensWithLines("one\ntwo\nlast\n").back(), (Token{"last", 3}));
+  EXPECT_EQ(TokensWithLines("; comment\n; comment\nx\n"), std::vector<Token>({{"x", 3}}));
+  EXPECT_EQ(TokensWithLines("{\n=\n'q'\n}"), std::vector<Token>({{"{", 1}, {"=", 2}, {"q", 3}, {"}", 4}}));
+  EXPECT_EQ(TokensWithLines("a\r\nb\rc"), std::vector<Token>({{"a", 1}, {"b", 2}, {"c", 2}}));
+}
+
+TEST(ConfigFileReader, TheLineAtTheEndOfTheFileCountsEveryLineFeed) {
+  const TempFolder folder;
+  ConfigFileReader reader;
+  reader.Open(folder.Write("x.ocf", "a\n\"b\n;c\n\n").c_str());
+  EXPECT_EQ(reader.Line(), 1);
+  while (reader.Next()) {
+  }
+  EXPECT_EQ(reader.Line(), 5);
+}
+
+TEST(ConfigFileReader, ATokenCanBeGivenBack) {
+  const TempFolder folder;
+  ConfigFileReader reader;
+  reader.Open(folder.Write("x.ocf", "a\nb c").c_str());
+  ASSERT_TRUE(reader.Next());
+  ASSERT_TRUE(reader.Next());
+  reader.GiveBack();
+  ASSERT_TRUE(reader.Next());
+  EXPECT_EQ(reader.Token(), "b");
+  ASSERT_TRUE(reader.Next());
+  EXPECT_EQ(reader.Token(), "c");
+  EXPECT_FALSE(reader.Next());
+}
+
+TEST(ConfigFileReader, TokensMayCrossItsBuffer) {
+  // Tokens, quotes, line ends and comments around every multiple of 64 KiB.
+  const std::string word(65530, 'w');
+  for (size_t shift = 0; shift < 16; ++shift) {
+    const std::string filler = word + std::string(shift, 'x');
+    EXPECT_EQ(TokensWithLines(filler + "\n'quo ted'=b;c\nd"),
+              std::vector<Token>({{filler, 1}, {"quo ted", 2}, {"=", 2}, {"b", 2}, {"d", 3}}))
+        << shift;
+  }
+  const std::string huge(300000, 'h');
+  EXPECT_EQ(Tokens(huge + " '" + huge + "'"), Texts({huge, huge}));
+}
+
+// ---- escapes ---------------------------------------------------------------------------------------------
+
+TEST(ConfigFileReader, EscapesAreUndoneOnRequest) {
+  EXPECT_EQ(Tokens("a\\tb", true), Texts({"a\tb"}));
+  EXPECT_EQ(Tokens("\\b\\t\\n\\r\\\\\\q\\-", true), Texts({"\b\t\n\r\\q-"}));
+  EXPECT_EQ(Tokens("a\\tb"), Texts({"a\\tb"})) << "off by default";
+}
+
+TEST(ConfigFileReader, HexadecimalEscapesDoNotSurviveReading) {
+  // Deliberate: the four characters are consumed and yield nothing, whatever the two are.
+  EXPECT_EQ(Tokens("a\\x41b", true), Texts({"ab"}));
+  EXPECT_EQ(Tokens("a\\xzzb", true), Texts({"ab"}));
+  EXPECT_EQ(Tokens("a\\x41", true), Texts({"a"}));
+  EXPECT_EQ(Tokens("a\\x4", true), Texts({"ax4"})) << "fewer than two left: x and the rest";
+  EXPECT_EQ(Tokens("a\\x", true), Texts({"ax"}));
+}
+
+TEST(ConfigFileReader, ABackslashAtTheEndEndsTheToken) {
+  EXPECT_EQ(Tokens("a\\ b", true), Texts({"a", "b"}));
+  EXPECT_EQ(Tokens("a\\", true), Texts({"a"}));
+  EXPECT_EQ(Tokens("\\", true), Texts({""}));
+}
+
+TEST(ConfigFileReader, QuotedTokensKnowNoEscapes) {
+  EXPECT_EQ(Tokens("'a\\tb' \"a\\x41\\\"", true), Texts({"a\\tb", "a\\x41\\"}));
+}
+
+TEST(ConfigFileReader, AnEscapeDoesNotProtectADelimiter) {
+  EXPECT_EQ(Tokens("a\\=b", true), Texts({"a", "=", "b"}));
+}
+
+// ---- files -----------------------------------------------------------------------------------------------
+
+TEST(ConfigFileReader, OpensOneFileAtATime) {
+  const TempFolder folder;
+  const std::string path = folder.Write("x.ocf", "a\nb");
+  ConfigFileReader reader;
+  EXPECT_TRUE(reader.Open(path.c_str()));
+  EXPECT_FILE_FAILS(reader.Open("second.ocf"), 1027,
+                    "Configuration file already open while attempting to open 'second.ocf'");
+  EXPECT_FILE_FAILS(reader.TryOpen("100%s.ocf"), 1027,
+                    "Configuration file already open while attempting to open '100%s.ocf'");
+  ASSERT_TRUE(reader.Next()) << "the first stays open";
+  EXPECT_EQ(reader.Token(), "a");
+  EXPECT_EQ(reader.FileName(), path);
+}
+
+TEST(ConfigFileReader, AMissingFileIsReportedUnlessItIsOnlyTried) {
+  const TempFolder folder;
+  const std::string missing = folder.Path("100% missing.ocf");
+  ConfigFileReader reader;
+  EXPECT_FILE_FAILS(reader.Open(missing.c_str()), 1028,
+                    "Failed opening configuration file '" + missing + "'");
+  EXPECT_FILE_FAILS(reader.Open(folder.Path().c_str()), 1028,
+                    "Failed opening configuration file '" + folder.Path() + "'");
+  EXPECT_FILE_FAILS(reader.Open(nullptr), 1028, "Failed opening configuration file ''");
+  orv::ORVResetError();
+  EXPECT_FALSE(reader.TryOpen(missing.c_str()));
+  EXPECT_EQ(orv::ORVGetErrorCode(), 0);
+  EXPECT_FALSE(reader.Next()) << "no file, no tokens";
+}
+
+TEST(ConfigFileReader, ReopeningBeginsAfresh) {
+  const TempFolder folder;
+  ConfigFileReader reader;
+  reader.Open(folder.Write("x.ocf", "a\n\"b\nc d").c_str());
+  for (int i = 0; i < 3; ++i) ASSERT_TRUE(reader.Next());
+  reader.GiveBack();
+  reader.Close();
+  EXPECT_FALSE(reader.TryOpen(folder.Path("none").c_str()));
+  reader.Open(folder.Write("y.ocf", "z").c_str());
+  EXPECT_EQ(reader.Line(), 1);
+  EXPECT_EQ(reader.Token(), "");
+  ASSERT_TRUE(reader.Next());
+  EXPECT_EQ(reader.Token(), "z");
+}
+
+// ---- writing ---------------------------------------------------------------------------------------------
+
+TEST(ConfigFileWriter, WritesTextAsItIsByDefault) {
+  std::string all;
+  for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
+  EXPECT_EQ(Written(all, Escape::None), all) << "and a line feed stays one byte";
+}
+
+TEST(ConfigFileWriter, EscapesControlCharactersAndBackslashes) {
+  const std::string text("a\bb\tc\rd\\e\nf\x01g\x1Fh\x7Fi\0j\xFFk %d", 24);
+  EXPECT_EQ(Written(text, Escape::All), "a\\bb\\tc\\rd\\\\e\\nf\\x01g\\x1Fh\\x7Fi\\x00j\xFFk %d");
+  EXPECT_EQ(Written(text, Escape::KeepLines), "a\\bb\\tc\\rd\\\\e\nf\\x01g\\x1Fh\\x7Fi\\x00j\xFFk %d");
+  EXPECT_EQ(Written("\v\f", Escape::All), "\\x0B\\x0C");
+}
+
+TEST(ConfigFileWriter, TheModesHaveTheirNumbers) {
+  EXPECT_EQ(static_cast<int>(Escape::None), 0);
+  EXPECT_EQ(static_cast<int>(Escape::All), 1);
+  EXPECT_EQ(static_cast<int>(Escape::KeepLines), 2);
+}
+
+TEST(ConfigFileWriter, CountsTheLineFeedsThatItFinallyWrites) {
+  int lines = -1;
+  Written("a\nb\n\nc", Escape::None, &lines);
+  EXPECT_EQ(lines, 3);
+  Written("a\nb\n\nc", Escape::KeepLines, &lines);
+  EXPECT_EQ(lines, 3);
+  Written("a\nb\n\nc", Escape::All, &lines);
+  EXPECT_EQ(lines, 0);
+}
+
+TEST(ConfigFileWriter, FormatsFirstAndThenEscapes) {
+  const TempFolder folder;
+  ConfigFileWriter writer(Escape::All);
+  writer.Open(folder.Path("x").c_str());
+  writer.Print("%s\t%d%%", "a\\b", 5);
+  EXPECT_EQ(writer.Lines(), 0);
+  writer.Print("%s", std::string(100000, 'x').c_str());
+  writer.Close();
+  EXPECT_EQ(folder.Read("x"), "a\\\\b\\t5%" + std::string(100000, 'x'));
+}
+
+TEST(ConfigFileWriter, PlainTextIsNeverAFormat) {
+  EXPECT_EQ(Written("100%s %n %d\n", Escape::None), "100%s %n %d\n");
+}
+
+TEST(ConfigFileWriter, LinesStartAtZeroWithEachFile) {
+  const TempFolder folder;
+  ConfigFileWriter writer;
+  writer.Open(folder.Path("x").c_str());
+  writer.Print("a\n\n");
+  EXPECT_EQ(writer.Lines(), 2);
+  writer.Close();
+  writer.Open(folder.Path("y").c_str());
+  EXPECT_EQ(writer.Lines(), 0);
+}
+
+TEST(ConfigFileWriter, OpensOneFileAtATime) {
+  const TempFolder folder;
+  ConfigFileWriter writer;
+  EXPECT_TRUE(writer.Open(folder.Path("x").c_str()));
+  EXPECT_FILE_FAILS(writer.Open("second.ocf"), 1027,
+                    "Configuration file already open while attempting to open 'second.ocf'");
+  EXPECT_FILE_FAILS(writer.TryOpen("second.ocf"), 1027,
+                    "Configuration file already open while attempting to open 'second.ocf'");
+  writer.Write("kept");
+  writer.Close();
+  EXPECT_EQ(folder.Read("x"), "kept");
+}
+
+TEST(ConfigFileWriter, AFileThatCannotBeCreatedIsReportedUnlessItIsOnlyTried) {
+  const TempFolder folder;
+  const std::string nowhere = folder.Path("no such folder/100%.ocf");
+  ConfigFileWriter writer;
+  EXPECT_FILE_FAILS(writer.Open(nowhere.c_str()), 1028, "Failed opening file for writing:  " + nowhere);
+  EXPECT_FILE_FAILS(writer.Open(folder.Path().c_str()), 1028,
+                    "Failed opening file for writing:  " + folder.Path());
+  EXPECT_FILE_FAILS(writer.Open(nullptr), 1028, "Failed opening file for writing:  ");
+  orv::ORVResetError();
+  EXPECT_FALSE(writer.TryOpen(nowhere.c_str()));
+  EXPECT_EQ(orv::ORVGetErrorCode(), 0);
+}
+
+TEST(ConfigFileWriter, WritingNeedsAnOpenFile) {
+  constexpr const char* kNotOpen = "Attempt to write to configuration file before file is open";
+  const TempFolder folder;
+  ConfigFileWriter writer;
+  EXPECT_FILE_FAILS(writer.Write("x"), 1027, kNotOpen);
+  EXPECT_FILE_FAILS(writer.Print("%d", 5), 1027, kNotOpen);
+  writer.Open(folder.Path("x").c_str());
+  writer.Close();
+  EXPECT_FILE_FAILS(writer.Write("x"), 1027, kNotOpen);
+  EXPECT_NO_THROW(writer.Close()) << "closing twice is harmless";
+  EXPECT_EQ(writer.Lines(), 0);
+}
+
+TEST(ConfigFileWriter, AFailedWriteIsReported) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "NOT TESTED: this machine has no /dev/full";
+  constexpr const char* kFailed = "File write failed on configuration file '/dev/full'";
+  {
+    ConfigFileWriter writer;
+    writer.Open("/dev/full");
+    EXPECT_FILE_FAILS(writer.Write(std::string(1 << 20, 'x')), 1030, kFailed);
+  }  // the destructor is silent
+  {
+    // A text that fits the buffer fails when the buffer is written.
+    ConfigFileWriter writer;
+    writer.Open("/dev/full");
+    EXPECT_NO_THROW(writer.Write("x"));
+    EXPECT_FILE_FAILS(writer.Close(), 1030, kFailed);
+    EXPECT_NO_THROW(writer.Close());
+  }
+  {
+    ConfigFileWriter writer;
+    writer.Open("/dev/full");
+    writer.Write("x");
+  }
+}
+
+TEST(ConfigFileWriter, ADecimalCommaOfTheHostChangesNothing) {
+  ORV_WITH_COMMA_LOCALE();
+  const TempFolder folder;
+  ConfigFileWriter writer;
+  writer.Open(folder.Path("x").c_str());
+  writer.Print("   radius=%.4f\n   f=%.19f %g\n", 6378137.0, 1.0 / 1024, 0.5);
+  writer.Close();
+  EXPECT_EQ(folder.Read("x"), "   radius=6378137.0000\n   f=0.0009765625000000000 0.5\n");
+}
+
+// ---- against another way of doing it ---------------------------------------------------------------------
+
+namespace {
+
+// The same lexical rules over a text in memory, line by line; without escapes.
+std::vector<Token> TokensByLine(const std::string& bytes) {
+  const std::string delimiters = "=+,:~/!@#$%^&*(){}[]|<>;";
+  const std::string white = " \t\r";
+  std::vector<Token> tokens;
+  int number = 0;
+  for (size_t begin = 0; begin <= bytes.size();) {
+    const size_t end = std::min(bytes.find('\n', begin), bytes.size());
+    const std::string line = bytes.substr(begin, end - begin);
+    begin = end + 1;
+    ++number;
+    for (size_t at = line.find_first_not_of(white); at < line.size() && line[at] != ';';) {
+      size_t next;
+      if (delimiters.find(line[at]) != std::string::npos) {
+        next = at + 1;
+        tokens.push_back({line.substr(at, 1), number});
+      } else if (line[at] == '"' || line[at] == '\'') {
+        const size_t close = std::min(line.find(line[at], at + 1), line.size());
+        tokens.push_back({line.substr(at + 1, close - at - 1), number});
+        next = close + 1;
+      } else {
+        next = std::min(line.find_first_of(delimiters + white, at), line.size());
+        tokens.push_back({line.substr(at, next - at), number});
+      }
+      at = line.find_first_not_of(white, next);
+    }
+  }
+  return tokens;
+}
+
+}  // namespace
+
+TEST(ConfigFileReader, ReadsAnyTextAsTheLineByLineModelDoes) {
+  EXPECT_TRUE(orv::test::Holds(
+      [] {
+        const std::string text = *rc::gen::container<std::string>(rc::gen::element(
+            'a', 'b', '=', ';', '{', '}', '"', '\'', ' ', '\t', '\r', '\n', '\n', '\\', '+', '\xFF', '\0'));
+        RC_ASSERT(TokensWithLines(text) == TokensByLine(text));
+      },
+      400));
+}
