@@ -1,0 +1,85 @@
+#include "orv/lanes/Dispatch.h"
+
+#include <cstdlib>
+#include <cstring>
+
+// The sets that CMakeLists.txt builds for this machine: the two must agree.
+#if defined(__GNUC__) && defined(__x86_64__)
+#define ORV_LANES_HAVE_X86
+#if !defined(_WIN32)
+#define ORV_LANES_HAVE_AVX
+#endif
+#elif defined(__GNUC__) && defined(__aarch64__)
+#define ORV_LANES_HAVE_NEON
+#endif
+
+namespace orv::lanes {
+
+extern const KernelTable kTable_one;
+#if defined(ORV_LANES_HAVE_X86)
+extern const KernelTable kTable_sse2;
+#if defined(ORV_LANES_HAVE_AVX)
+extern const KernelTable kTable_avx2, kTable_avx512;
+#endif
+#elif defined(ORV_LANES_HAVE_NEON)
+extern const KernelTable kTable_neon;
+#endif
+
+namespace {
+
+struct Candidate {
+  const KernelTable* table;
+  bool runs;  // on this machine
+};
+
+// The best first.
+constexpr int kMostCandidates = 4;
+int Candidates(Candidate (&list)[kMostCandidates]) {
+  int count = 0;
+#if defined(ORV_LANES_HAVE_X86)
+#if defined(ORV_LANES_HAVE_AVX)
+  __builtin_cpu_init();
+  const bool avx2 = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
+  const bool avx512 = avx2 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
+                      __builtin_cpu_supports("avx512vl");
+  list[count++] = {&kTable_avx512, avx512};
+  list[count++] = {&kTable_avx2, avx2};
+#endif
+  list[count++] = {&kTable_sse2, true};
+#elif defined(ORV_LANES_HAVE_NEON)
+  list[count++] = {&kTable_neon, true};
+#endif
+  list[count++] = {&kTable_one, true};
+  return count;
+}
+
+const KernelTable& Choose() {
+  Candidate list[kMostCandidates];
+  const int count = Candidates(list);
+  int first = 0;
+  if (const char* wanted = std::getenv("ORV_ISA")) {
+    for (int i = 0; i < count; ++i) {
+      if (list[i].runs && std::strcmp(list[i].table->isa, wanted) == 0) first = i;
+    }
+  }
+  while (!list[first].runs) ++first;  // the last one runs everywhere
+  return *list[first].table;
+}
+
+}  // namespace
+
+const KernelTable& Kernels() {
+  static const KernelTable& best = Choose();
+  return best;
+}
+
+const KernelTable* KernelsOf(const char* isa) {
+  Candidate list[kMostCandidates];
+  const int count = Candidates(list);
+  for (int i = 0; i < count; ++i) {
+    if (list[i].runs && std::strcmp(list[i].table->isa, isa) == 0) return list[i].table;
+  }
+  return nullptr;
+}
+
+}  // namespace orv::lanes

@@ -1,0 +1,109 @@
+// The kernels of every instruction set, and the choice among them.
+//
+// A kernel works in place on n points, interleaved doubles (x, y), so that no type of another header enters a
+// kernel unit.  Any n is taken, 0 included; multiples of KernelTable::lanes are quickest (a partial group is
+// padded inside the kernel, on the stack).  No kernel raises an error, allocates, or keeps state: all may run
+// on any number of threads.  All sets give the same bits for the same input, so that it cannot be told which
+// one has worked, nor how the points were grouped into calls.
+#pragma once
+
+#include <cstddef>
+
+namespace orv {
+
+struct Mercator;
+struct Miller;
+struct EquidistantCylindrical;
+struct TransverseMercator;
+struct Cassini;
+struct ObliqueMercator;
+struct Hotine;
+struct Molodensky;
+struct BursaWolf;
+struct Regression;
+
+namespace lanes {
+
+/// The unplottable marker: the largest finite double.
+inline constexpr double kMarker = 1.7976931348623157e308;
+
+/// One projection: radians to metres (forward) and back (inverse), before false origin and scale.
+///
+/// A point with the marker in either coordinate passes untouched.  A point that the engine cannot compute
+/// gets the marker in both.  A result that overflows to infinity stays: checkMarks finds it.
+template <class E>
+struct EngineKernels {
+  using Run = void (*)(const E&, double* xy, std::size_t n);
+  Run forward, inverse;
+};
+
+/// One datum method, degrees to degrees.  Markers as in EngineKernels.
+template <class D>
+using DatumKernel = void (*)(const D&, double* xy, std::size_t n);
+
+/// All kernels of one instruction set.
+struct KernelTable {
+  const char* isa;    ///< "one", "sse2", "avx2", "avx512", "neon"
+  std::size_t lanes;  ///< points worked on at once: 1, 2, 4 or 8
+
+  // ---- passes of the projector ---------------------------------------------------------------------------
+
+  /// A point with a NaN or infinite coordinate gets the marker in both.  True when any point got it so or
+  /// held the marker in either coordinate before (a point half marked stays half marked).
+  bool (*checkMarks)(double* xy, std::size_t n);
+
+  /// Coordinate by coordinate: x = fmod(x, 360), which keeps the sign; y = fmod(y, 180) and then folded into
+  /// [-90, 90]: 180 - y above 90, -180 - y below -90.  A marker stays; a NaN or infinite coordinate alone
+  /// becomes the marker.
+  void (*normaliseCoordinates)(double* xy, std::size_t n);
+
+  void (*toRadians)(double* xy, std::size_t n);  ///< v * kPi / 180.0, each coordinate that is not the marker
+  void (*toDegrees)(double* xy, std::size_t n);  ///< v * 180.0 / kPi, each coordinate that is not the marker
+
+  // Each coordinate that is not the marker.
+  void (*addOrigin)(double* xy, std::size_t n, double dx, double dy);       ///< x + dx, y + dy
+  void (*subtractOrigin)(double* xy, std::size_t n, double dx, double dy);  ///< x - dx, y - dy
+  void (*multiply)(double* xy, std::size_t n, double k);                    ///< v * k
+  void (*divide)(double* xy, std::size_t n, double k);                      ///< v / k
+
+  // ---- passes of the datum converter ---------------------------------------------------------------------
+
+  /// As normaliseCoordinates, but a point with the marker in either coordinate is skipped whole.
+  void (*normalisePoints)(double* xy, std::size_t n);
+
+  /// x in [-360, -180) goes up by 360 and its offset becomes -360; x in (180, 360] goes down by 360 and its
+  /// offset becomes +360; every other offset, those of marked points included, becomes 0.
+  void (*wrapLongitudes)(double* xy, std::size_t n, double* offsets);
+
+  /// Adds its offset to the x of every point without a marker.
+  void (*unwrapLongitudes)(double* xy, std::size_t n, const double* offsets);
+
+  // ---- projections ---------------------------------------------------------------------------------------
+
+  EngineKernels<Mercator> mercator;
+  EngineKernels<Miller> miller;
+  EngineKernels<EquidistantCylindrical> equidistantCylindrical;
+  EngineKernels<TransverseMercator> transverseMercator;
+  EngineKernels<TransverseMercator> utm;  ///< the same forward; an inverse with one more term in each series
+  EngineKernels<Cassini> cassini;
+  EngineKernels<ObliqueMercator> obliqueMercator;
+  EngineKernels<Hotine> hotine;
+
+  // ---- datum methods -------------------------------------------------------------------------------------
+
+  DatumKernel<Molodensky> molodensky;
+  DatumKernel<BursaWolf> bursaWolf;
+  DatumKernel<Regression> regression;
+};
+
+/// The best set that this machine can run, chosen once.
+///
+/// The environment variable ORV_ISA (one, sse2, avx2, avx512, neon) names the best set to be considered; an
+/// unknown name, or one that this machine or build lacks, is ignored.
+const KernelTable& Kernels();
+
+/// The set of that name, or null when this machine or this build lacks it.  For tests and benchmarks.
+const KernelTable* KernelsOf(const char* isa);
+
+}  // namespace lanes
+}  // namespace orv

@@ -1,0 +1,246 @@
+// What surrounds the mathematics: groups of points, markers, and the passes of the projector and the datum
+// converter.  The contracts of the passes stand in Dispatch.h.
+//
+// Only Marked and the functions here know the marker.  Each pass puts a harmless operand in the place of a
+// marked coordinate before it computes, so that no floating-point exception is raised for it.
+#pragma once
+
+#include "orv/lanes/Lanes.h"
+
+namespace orv {
+namespace ORV_ISA {
+
+// ---- groups of points ------------------------------------------------------------------------------------
+
+/// Calls f(xy, first) on group after group of kLanes interleaved points; `first` is the index of its first
+/// point. A last, partial group is worked on in a copy that repeats its last point.
+template <class F>
+inline void EachGroup(double* xy, std::size_t n, F f) {
+  double padded[2 * kLanes];
+  const std::size_t whole = n - n % kLanes, rest = n - whole;
+  double* points = xy;
+  double* end = xy + 2 * whole;
+  std::size_t first = 0;
+  for (bool last = false;; last = true) {  // the whole groups, then the padded one: f stands here once
+    for (; points != end; points += 2 * kLanes, first += kLanes) f(points, first);
+    if (last || rest == 0) break;
+    for (std::size_t i = 0; i < kLanes; ++i) {
+      const std::size_t from = i < rest ? i : rest - 1;
+      padded[2 * i] = points[2 * from];
+      padded[2 * i + 1] = points[2 * from + 1];
+    }
+    points = padded;
+    end = padded + 2 * kLanes;
+  }
+  for (std::size_t i = 0; i < 2 * rest; ++i) xy[2 * whole + i] = padded[i];
+}
+
+/// Asks for the points that lie `ahead` points further on, or for nothing where the array has ended by then.
+/// The address is only a hint and may lie anywhere.
+inline void Prefetch(const double* points, std::size_t ahead) {
+#if defined(__GNUC__)
+  const std::size_t address = reinterpret_cast<std::size_t>(points) + ahead * 2 * sizeof(double);
+  for (std::size_t line = 0; line < kLanes * 2 * sizeof(double); line += 64) {
+    __builtin_prefetch(reinterpret_cast<const void*>(address + line), 1);
+  }
+#else
+  (void)points;
+  (void)ahead;
+#endif
+}
+
+/// How far the computing passes look ahead: the next block, while this one is in the first-level cache.  The
+/// other passes are too short to hide the way to memory (10 % of a large batch).
+inline constexpr std::size_t kNextBlock = 512;
+
+/// Replaces every point p by f(p).
+template <std::size_t kAhead = 0, class F>
+inline void Each(double* xy, std::size_t n, F f) {
+  EachGroup(xy, n, [&f](double* points, std::size_t) {
+    if constexpr (kAhead > 0) Prefetch(points, kAhead);
+    Point p;
+    Load(points, p.x, p.y);
+    const Point q = f(p);
+    Store(points, q.x, q.y);
+  });
+}
+
+// ---- markers ---------------------------------------------------------------------------------------------
+
+inline Mask Marked(Point p) { return (p.x == kMarker) | (p.y == kMarker); }
+
+/// A computation on a group of which some points may carry the marker: those pass through, and a point that
+/// becomes NaN in either coordinate gets the marker in both.
+template <class F>
+inline Point OnPlottable(Point p, F compute) {
+  const Mask skip = Marked(p);
+  const Point q = compute(Point{Except(p.x, skip, 0.0), Except(p.y, skip, 0.0)});
+  const Mask bad = !((q.x == q.x) & (q.y == q.y));
+  if (!Any(skip | bad)) return q;
+  const Lanes x = bad ? Splat(kMarker) : q.x;
+  const Lanes y = bad ? Splat(kMarker) : q.y;
+  return {skip ? p.x : x, skip ? p.y : y};
+}
+
+/// f of each coordinate that is not the marker.
+template <class F>
+inline Point OnUnmarked(Point p, F f) {
+  const Mask xSkip = p.x == kMarker, ySkip = p.y == kMarker;
+  const Point q = f(Point{Except(p.x, xSkip, 1.0), Except(p.y, ySkip, 1.0)});
+  return {Except(q.x, xSkip, p.x), Except(q.y, ySkip, p.y)};
+}
+
+// ---- normalisation ---------------------------------------------------------------------------------------
+
+inline Lanes FoldLatitude(Lanes r) {
+  const Lanes down = r > 90.0 ? 180.0 - r : r;
+  return down < -90.0 ? -180.0 - down : down;
+}
+
+inline Point NormaliseCoordinates(Point p) {
+  const Lanes x = Except(p.x, p.x != p.x, kMarker);
+  const Lanes y = Except(p.y, p.y != p.y, kMarker);
+  const Mask xUsual = abs(x) < 360.0, yUsual = abs(y) <= 90.0;
+  if (!Any(!(xUsual & yUsual))) return {x, y};
+  const Mask xMarked = (x == kMarker) | (abs(x) == kInfinity);
+  const Mask yMarked = (y == kMarker) | (abs(y) == kInfinity);
+  const Lanes lon = fmod(Except(x, xMarked, 0.0), 360.0);
+  const Lanes lat = FoldLatitude(fmod(Except(y, yMarked, 0.0), 180.0));
+  return {xMarked ? Splat(kMarker) : lon, yMarked ? Splat(kMarker) : lat};
+}
+
+inline Point NormalisePoints(Point p) {
+  const Mask skip = Marked(p);
+  const Point q = NormaliseCoordinates(p);
+  return {Except(q.x, skip, p.x), Except(q.y, skip, p.y)};
+}
+
+// ---- degrees and radians ---------------------------------------------------------------------------------
+
+/// x / d, correctly rounded, for a constant d that is neither tiny nor huge; `inverse` is 1 / d rounded.
+///
+/// With fused multiply-add: the quotient by the reciprocal, and one correction by its exact remainder.  That
+/// is the correctly rounded quotient [Mar90], hence the bits of the division, in a third of the time.  The
+/// remainder must not underflow, and a zero must keep its sign: then the division itself.
+inline Lanes DivideByConstant(Lanes x, double d, double inverse) {
+#if ORV_LANES_X86 && ORV_LANES > 2 && defined(__FMA__)
+  if (Any(abs(x) < 1e-280)) return x / d;
+  const Lanes q = x * inverse;
+#if ORV_LANES == 4
+  const auto wide = [](Lanes v) { return reinterpret_cast<__m256d>(v); };
+  const __m256d rest = _mm256_fnmadd_pd(wide(q), wide(Splat(d)), wide(x));
+  return reinterpret_cast<Lanes>(_mm256_fmadd_pd(rest, wide(Splat(inverse)), wide(q)));
+#else
+  const auto wide = [](Lanes v) { return reinterpret_cast<__m512d>(v); };
+  const __m512d rest = _mm512_fnmadd_pd(wide(q), wide(Splat(d)), wide(x));
+  return reinterpret_cast<Lanes>(_mm512_fmadd_pd(rest, wide(Splat(inverse)), wide(q)));
+#endif
+#else
+  (void)inverse;
+  return x / d;
+#endif
+}
+
+inline Lanes ToRadians(Lanes degrees) { return DivideByConstant(degrees * kPi, 180.0, 1.0 / 180.0); }
+inline Lanes ToDegrees(Lanes radians) { return DivideByConstant(radians * 180.0, kPi, 1.0 / kPi); }
+
+// ---- passes, as Dispatch.h describes them ----------------------------------------------------------------
+
+ORV_KERNEL inline bool RunCheckMarks(double* xy, std::size_t n) {
+  Mask met = {};
+  Each(xy, n, [&met](Point p) {
+    const Mask xFinite = IsFinite(p.x), yFinite = IsFinite(p.y);
+    const Mask bad = !(xFinite & yFinite);
+    met |= bad | Marked(p);
+    return Point{Except(p.x, bad, kMarker), Except(p.y, bad, kMarker)};
+  });
+  return Any(met);
+}
+
+ORV_KERNEL inline void RunNormaliseCoordinates(double* xy, std::size_t n) {
+  Each(xy, n, [](Point p) { return NormaliseCoordinates(p); });
+}
+ORV_KERNEL inline void RunNormalisePoints(double* xy, std::size_t n) {
+  Each(xy, n, [](Point p) { return NormalisePoints(p); });
+}
+
+ORV_KERNEL inline void RunToRadians(double* xy, std::size_t n) {
+  const auto convert = [](Point p) { return Point{ToRadians(p.x), ToRadians(p.y)}; };
+  Each(xy, n, [&](Point p) { return OnUnmarked(p, convert); });
+}
+ORV_KERNEL inline void RunToDegrees(double* xy, std::size_t n) {
+  const auto convert = [](Point p) { return Point{ToDegrees(p.x), ToDegrees(p.y)}; };
+  Each(xy, n, [&](Point p) { return OnUnmarked(p, convert); });
+}
+
+ORV_KERNEL inline void RunAddOrigin(double* xy, std::size_t n, double dx, double dy) {
+  const auto add = [=](Point p) { return Point{p.x + dx, p.y + dy}; };
+  Each(xy, n, [&](Point p) { return OnUnmarked(p, add); });
+}
+ORV_KERNEL inline void RunSubtractOrigin(double* xy, std::size_t n, double dx, double dy) {
+  const auto subtract = [=](Point p) { return Point{p.x - dx, p.y - dy}; };
+  Each(xy, n, [&](Point p) { return OnUnmarked(p, subtract); });
+}
+ORV_KERNEL inline void RunMultiply(double* xy, std::size_t n, double k) {
+  const auto scale = [=](Point p) { return Point{p.x * k, p.y * k}; };
+  Each(xy, n, [&](Point p) { return OnUnmarked(p, scale); });
+}
+ORV_KERNEL inline void RunDivide(double* xy, std::size_t n, double k) {
+  const auto scale = [=](Point p) { return Point{p.x / k, p.y / k}; };
+  Each(xy, n, [&](Point p) { return OnUnmarked(p, scale); });
+}
+
+ORV_KERNEL inline void RunWrapLongitudes(double* xy, std::size_t n, double* offsets) {
+  EachGroup(xy, n, [=](double* points, std::size_t first) {
+    Point p;
+    Load(points, p.x, p.y);
+    const Mask plottable = !Marked(p);
+    const Mask up = plottable & (p.x >= -360.0) & (p.x < -180.0);
+    const Mask down = plottable & (p.x > 180.0) & (p.x <= 360.0);
+    const Lanes offset = up ? Splat(-360.0) : (down ? Splat(360.0) : Splat(0.0));
+    Store(points, (up | down) ? p.x - offset : p.x, p.y);
+    double* const to = offsets + first;
+    if (n - first >= kLanes) {
+      __builtin_memcpy(to, &offset, sizeof offset);
+    } else {
+      __builtin_memcpy(to, &offset, (n - first) * sizeof(double));
+    }
+  });
+}
+ORV_KERNEL inline void RunUnwrapLongitudes(double* xy, std::size_t n, const double* offsets) {
+  EachGroup(xy, n, [=](double* points, std::size_t first) {
+    Point p;
+    Load(points, p.x, p.y);
+    const double* const from = offsets + first;
+    Lanes offset = Splat(0.0);
+    if (n - first >= kLanes) {
+      __builtin_memcpy(&offset, from, sizeof offset);
+    } else {
+      __builtin_memcpy(&offset, from, (n - first) * sizeof(double));
+    }
+    const Mask skip = Marked(p);
+    const Lanes x = Except(p.x, skip, 0.0) + offset;
+    Store(points, Except(x, skip, p.x), p.y);
+  });
+}
+
+// The constants are copied, so that no store to a point can change them in the compiler's eyes, and what
+// follows from them is computed once for each batch.
+template <class E>
+ORV_KERNEL void RunForward(const E& engine, double* xy, std::size_t n) {
+  const E c = engine;
+  Each<kNextBlock>(xy, n, [&c](Point p) { return OnPlottable(p, [&c](Point q) { return Forward(c, q); }); });
+}
+template <class E>
+ORV_KERNEL void RunInverse(const E& engine, double* xy, std::size_t n) {
+  const E c = engine;
+  Each<kNextBlock>(xy, n, [&c](Point p) { return OnPlottable(p, [&c](Point q) { return Inverse(c, q); }); });
+}
+template <class D>
+ORV_KERNEL void RunShift(const D& method, double* xy, std::size_t n) {
+  const D c = method;
+  Each<kNextBlock>(xy, n, [&c](Point p) { return OnPlottable(p, [&c](Point q) { return Shift(c, q); }); });
+}
+
+}  // namespace ORV_ISA
+}  // namespace orv

@@ -1,0 +1,70 @@
+// The kernels of one instruction set.  Compiled once for each, with ORV_ISA, ORV_LANES and the -m flags of
+// the set: see CMakeLists.txt.  No inline function of a standard header may be used here (Lanes.h says why).
+#include "orv/datum/BursaWolf.h"
+#include "orv/datum/Molodensky.h"
+#include "orv/datum/Regression.h"
+#include "orv/lanes/Dispatch.h"
+#include "orv/lanes/Frame.h"
+#include "orv/projection/ProjCassini.h"
+#include "orv/projection/ProjEquidistantCylindrical.h"
+#include "orv/projection/ProjHotine.h"
+#include "orv/projection/ProjMercator.h"
+#include "orv/projection/ProjMiller.h"
+#include "orv/projection/ProjObliqueMercator.h"
+#include "orv/projection/ProjTransverseMercator.h"
+
+#define ORV_PASTE_(a, b) a##b
+#define ORV_PASTE(a, b) ORV_PASTE_(a, b)
+#define ORV_QUOTE_(a) #a
+#define ORV_QUOTE(a) ORV_QUOTE_(a)
+
+namespace orv {
+
+namespace ORV_ISA {
+
+ORV_KERNEL inline void RunInverseUtm(const TransverseMercator& engine, double* xy, std::size_t n) {
+  const TransverseMercator c = engine;
+  Each<kNextBlock>(xy, n,
+                   [&c](Point p) { return OnPlottable(p, [&c](Point q) { return InverseUtm(c, q); }); });
+}
+
+template <class E>
+inline constexpr lanes::EngineKernels<E> kEngine = {RunForward<E>, RunInverse<E>};
+
+}  // namespace ORV_ISA
+
+namespace lanes {
+
+extern const KernelTable ORV_PASTE(kTable_, ORV_ISA);
+const KernelTable ORV_PASTE(kTable_, ORV_ISA) = {
+    ORV_QUOTE(ORV_ISA),
+    ORV_LANES,
+
+    ORV_ISA::RunCheckMarks,
+    ORV_ISA::RunNormaliseCoordinates,
+    ORV_ISA::RunToRadians,
+    ORV_ISA::RunToDegrees,
+    ORV_ISA::RunAddOrigin,
+    ORV_ISA::RunSubtractOrigin,
+    ORV_ISA::RunMultiply,
+    ORV_ISA::RunDivide,
+    ORV_ISA::RunNormalisePoints,
+    ORV_ISA::RunWrapLongitudes,
+    ORV_ISA::RunUnwrapLongitudes,
+
+    ORV_ISA::kEngine<Mercator>,
+    ORV_ISA::kEngine<Miller>,
+    ORV_ISA::kEngine<EquidistantCylindrical>,
+    ORV_ISA::kEngine<TransverseMercator>,
+    {ORV_ISA::RunForward<TransverseMercator>, ORV_ISA::RunInverseUtm},
+    ORV_ISA::kEngine<Cassini>,
+    ORV_ISA::kEngine<ObliqueMercator>,
+    ORV_ISA::kEngine<Hotine>,
+
+    ORV_ISA::RunShift<Molodensky>,
+    ORV_ISA::RunShift<BursaWolf>,
+    ORV_ISA::RunShift<Regression>,
+};
+
+}  // namespace lanes
+}  // namespace orv

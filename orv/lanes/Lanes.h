@@ -1,0 +1,215 @@
+// Lanes: ORV_LANES doubles that are computed on together, in namespace orv::ORV_ISA.
+//
+// The build compiles the kernel unit once for each instruction set, with ORV_ISA its name and ORV_LANES 1, 2,
+// 4 or 8.  Without ORV_ISA this header chooses `one`, one lane, which is a plain double: the reference that
+// tests use, and all that a compiler without vector types (MSVC) has.
+//
+// Two lanes and more are the vector extension of GCC and clang: + - * / < == & | ^ >> and mask ? a : b are
+// the language's own, so that a kernel reads like scalar code.  Only what the language lacks is here.
+// Anything but SqrtOf and Any is common to all machines; these two have a general form beside that of x86.
+//
+// Kernel units are compiled with -m flags, so they must not use an inline function of another header: the
+// linker may keep that copy for everyone.  This header includes nothing but <cstddef> and, on x86, the
+// intrinsics.
+#pragma once
+
+#include <cstddef>
+
+#ifndef ORV_ISA
+#define ORV_ISA one
+#define ORV_LANES 1
+#endif
+
+#if ORV_LANES > 1 && (defined(__x86_64__) || defined(__i386__))
+#define ORV_LANES_X86 1
+#include <immintrin.h>
+#else
+#define ORV_LANES_X86 0
+#endif
+
+// A batch function: all it calls is inlined, whatever the compiler's own measure says.  Without this GCC
+// leaves an engine out of line now and then, and points travel through memory (up to 1.7 times slower).
+#if defined(__GNUC__)
+#define ORV_KERNEL __attribute__((flatten))
+#else
+#define ORV_KERNEL
+extern "C" double __cdecl sqrt(double);
+extern "C" double __cdecl fmod(double, double);
+#endif
+
+namespace orv {
+namespace ORV_ISA {
+
+inline constexpr std::size_t kLanes = ORV_LANES;
+
+#if ORV_LANES == 1
+
+using Lanes = double;
+using Ints = long long;
+using Bits = unsigned long long;
+using Mask = bool;
+
+inline bool Any(Mask m) { return m; }
+inline void Load(const double* xy, Lanes& x, Lanes& y) {
+  x = xy[0];
+  y = xy[1];
+}
+inline void Store(double* xy, Lanes x, Lanes y) {
+  xy[0] = x;
+  xy[1] = y;
+}
+
+#else
+
+using Lanes = double __attribute__((vector_size(8 * ORV_LANES)));
+using Ints = decltype(Lanes{} < Lanes{});  // signed, 64 bits a lane
+using Bits = std::size_t __attribute__((vector_size(8 * ORV_LANES)));
+using Mask = Ints;  // all bits of a lane, or none
+static_assert(sizeof(std::size_t) == 8, "lanes need a 64-bit machine");
+
+#if ORV_LANES_X86 && ORV_LANES == 2
+inline bool Any(Mask m) { return _mm_movemask_pd(reinterpret_cast<__m128d>(m)) != 0; }
+#elif ORV_LANES_X86 && ORV_LANES == 4
+inline bool Any(Mask m) { return _mm256_movemask_pd(reinterpret_cast<__m256d>(m)) != 0; }
+#elif ORV_LANES_X86 && ORV_LANES == 8
+inline bool Any(Mask m) { return _mm512_movepi64_mask(reinterpret_cast<__m512i>(m)) != 0; }
+#else
+inline bool Any(Mask m) {
+  auto all = m[0];
+  for (std::size_t i = 1; i < kLanes; ++i) all |= m[i];
+  return all != 0;
+}
+#endif
+
+#if ORV_LANES == 2
+#define ORV_LANES_EVEN 0, 2
+#define ORV_LANES_ODD 1, 3
+#define ORV_LANES_LOW 0, 2
+#define ORV_LANES_HIGH 1, 3
+#elif ORV_LANES == 4
+#define ORV_LANES_EVEN 0, 2, 4, 6
+#define ORV_LANES_ODD 1, 3, 5, 7
+#define ORV_LANES_LOW 0, 4, 1, 5
+#define ORV_LANES_HIGH 2, 6, 3, 7
+#elif ORV_LANES == 8
+#define ORV_LANES_EVEN 0, 2, 4, 6, 8, 10, 12, 14
+#define ORV_LANES_ODD 1, 3, 5, 7, 9, 11, 13, 15
+#define ORV_LANES_LOW 0, 8, 1, 9, 2, 10, 3, 11
+#define ORV_LANES_HIGH 4, 12, 5, 13, 6, 14, 7, 15
+#else
+#error "ORV_LANES is 1, 2, 4 or 8"
+#endif
+
+/// kLanes points (x, y), interleaved, to their x and their y.
+inline void Load(const double* xy, Lanes& x, Lanes& y) {
+  Lanes a, b;
+  __builtin_memcpy(&a, xy, sizeof a);
+  __builtin_memcpy(&b, xy + kLanes, sizeof b);
+  x = __builtin_shufflevector(a, b, ORV_LANES_EVEN);
+  y = __builtin_shufflevector(a, b, ORV_LANES_ODD);
+}
+inline void Store(double* xy, Lanes x, Lanes y) {
+  const Lanes a = __builtin_shufflevector(x, y, ORV_LANES_LOW);
+  const Lanes b = __builtin_shufflevector(x, y, ORV_LANES_HIGH);
+  __builtin_memcpy(xy, &a, sizeof a);
+  __builtin_memcpy(xy + kLanes, &b, sizeof b);
+}
+
+#endif
+
+inline Ints BitsOf(Lanes x) { return __builtin_bit_cast(Ints, x); }
+inline Lanes FromBits(Ints i) { return __builtin_bit_cast(Lanes, i); }
+
+/// The square root, correctly rounded.
+inline Lanes sqrt(Lanes x) {
+#if ORV_LANES_X86 && ORV_LANES == 2
+  return reinterpret_cast<Lanes>(_mm_sqrt_pd(reinterpret_cast<__m128d>(x)));
+#elif ORV_LANES_X86 && ORV_LANES == 4
+  return reinterpret_cast<Lanes>(_mm256_sqrt_pd(reinterpret_cast<__m256d>(x)));
+#elif ORV_LANES_X86 && ORV_LANES == 8
+  return reinterpret_cast<Lanes>(
+      _mm512_maskz_sqrt_pd(0xff, reinterpret_cast<__m512d>(x)));  // maskz: no warning in GCC 12
+#elif ORV_LANES > 1
+  for (std::size_t i = 0; i < kLanes; ++i) x[i] = __builtin_sqrt(x[i]);
+  return x;
+#elif defined(__GNUC__)
+  return __builtin_sqrt(x);
+#else
+  return ::sqrt(x);
+#endif
+}
+
+/// The exact remainder with the sign of x, one lane after the other: for rare paths.
+inline double ScalarFmod(double x, double m) {
+#if defined(__GNUC__)
+  return __builtin_fmod(x, m);
+#else
+  return ::fmod(x, m);
+#endif
+}
+inline Lanes fmod(Lanes x, double m) {
+#if ORV_LANES == 1
+  return ScalarFmod(x, m);
+#else
+  for (std::size_t i = 0; i < kLanes; ++i) x[i] = ScalarFmod(x[i], m);
+  return x;
+#endif
+}
+
+inline Lanes Splat(double v) { return Lanes{} + v; }
+
+// Constants, as bits where the language has no literal.
+inline constexpr double kPi = 3.141592653589793;
+inline constexpr double kHalfPi = 1.5707963267948966;
+inline constexpr double kQuarterPi = 0.7853981633974483;
+inline constexpr double kMarker = 1.7976931348623157e308;  // an unplottable coordinate
+inline constexpr double kInfinity = __builtin_bit_cast(double, 0x7ff0000000000000ull);
+inline constexpr double kNaN = __builtin_bit_cast(double, 0x7ff8000000000000ull);
+inline constexpr long long kSignBit = static_cast<long long>(0x8000000000000000ull);
+
+inline Lanes abs(Lanes x) { return FromBits(BitsOf(x) & ~kSignBit); }
+/// x with its sign turned where `sign` is negative (-0.0 included).
+inline Lanes FlipSign(Lanes x, Lanes sign) { return FromBits(BitsOf(x) ^ (BitsOf(sign) & kSignBit)); }
+/// The magnitude of a non-negative x, with the sign of `sign`.
+inline Lanes WithSign(Lanes x, Lanes sign) { return FromBits(BitsOf(x) | (BitsOf(sign) & kSignBit)); }
+
+/// Neither NaN nor infinite.  Raises no exception flag, as < and <= would for a NaN.
+inline Mask IsFinite(Lanes x) { return (x == x) & (abs(x) != kInfinity); }
+
+inline Lanes Square(Lanes x) { return x * x; }
+
+/// x, of which the compiler knows nothing from here on.  It stands between a safe operand and its use: a
+/// compiler that saw both this choice of the operand and the later choice of the result would compute on the
+/// unsafe one.
+inline Lanes Opaque(Lanes x) {
+#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__))
+  __asm__("" : "+x"(x));
+#elif defined(__GNUC__) && defined(__aarch64__)
+  __asm__("" : "+w"(x));
+#endif
+  return x;
+}
+
+/// x, but v in the lanes of m.  For a mask that is hardly ever set: a branch that is never taken costs less
+/// than a blend, of three instructions in SSE2.  A safe operand chosen by this stays one (Opaque).
+inline Lanes Except(Lanes x, Mask m, Lanes v) {
+  if (!Any(m)) return x;
+  return Opaque(m ? v : x);
+}
+#if ORV_LANES > 1
+inline Lanes Except(Lanes x, Mask m, double v) { return Except(x, m, Splat(v)); }
+#endif
+
+/// x, or the bound that it exceeds, which is rare.  A NaN passes.
+inline Lanes Clamp(Lanes x, double bound) {
+  const Mask outside = abs(x) > bound;
+  return Except(x, outside, FlipSign(Splat(bound), x));
+}
+
+/// The points that a kernel works on at once: radians, degrees or metres.
+struct Point {
+  Lanes x, y;
+};
+
+}  // namespace ORV_ISA
+}  // namespace orv

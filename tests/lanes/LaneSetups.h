@@ -1,0 +1,177 @@
+// Set-up constants of the engines for the lane tests, computed here in scalar doubles from the published
+// equations, and points to run them on.  Independent of the engine classes.
+#pragma once
+
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "orv/datum/BursaWolf.h"
+#include "orv/datum/Molodensky.h"
+#include "orv/datum/Regression.h"
+#include "orv/lanes/Dispatch.h"
+#include "orv/projection/ProjCassini.h"
+#include "orv/projection/ProjEquidistantCylindrical.h"
+#include "orv/projection/ProjHotine.h"
+#include "orv/projection/ProjMercator.h"
+#include "orv/projection/ProjMiller.h"
+#include "orv/projection/ProjObliqueMercator.h"
+#include "orv/projection/ProjTransverseMercator.h"
+
+namespace lanetest {
+
+constexpr double kPi = 3.141592653589793;
+constexpr double kHalfPi = 1.5707963267948966;
+constexpr double kDegree = kPi / 180;
+constexpr double kMarker = 1.7976931348623157e308;
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+struct Ellipsoid {
+  double a, f;
+  double e2() const { return 2 * f - f * f; }
+  double e() const { return std::sqrt(e2()); }
+};
+constexpr Ellipsoid kClarke1866 = {6378206.4, 0.0033900753040885176};
+constexpr Ellipsoid kAiry = {6377563.396, 1 / 299.3249646};
+constexpr Ellipsoid kWgs84 = {6378137, 1 / 298.257223563};
+constexpr Ellipsoid kSphere = {6370997, 0};
+constexpr Ellipsoid kFlat = {6e7, 0.1};  // a flattened planet: the general branches of ConformalLatitude.h
+
+struct Pt {
+  double x, y;
+};
+
+inline orv::Mercator MakeMercator(Ellipsoid el, double lon0, double lat0) {
+  const double s = std::sin(lat0), e2 = el.e2();
+  const double k = el.f == 0 ? std::cos(lat0) : std::cos(lat0) / std::sqrt(1 - e2 * s * s);
+  return {el.f == 0, false, el.a, el.e(), k, lon0};
+}
+
+inline orv::MeridianArc MakeArc(Ellipsoid el) {
+  const double e2 = el.e2(), e4 = e2 * e2, e6 = e4 * e2, root = std::sqrt(1 - e2);
+  const double e1 = (1 - root) / (1 + root), e12 = e1 * e1, e13 = e12 * e1, e14 = e12 * e12;
+  orv::MeridianArc m{};
+  m.a = el.a;
+  m.c0 = 1 - e2 / 4 - 3 * e4 / 64 - 5 * e6 / 256;
+  m.c2 = 3 * e2 / 8 + 3 * e4 / 32 + 45 * e6 / 1024;
+  m.c4 = 15 * e4 / 256 + 45 * e6 / 1024;
+  m.c6 = 35 * e6 / 3072;
+  m.ac0 = el.a * m.c0;
+  m.f2 = 3 * e1 / 2 - 27 * e13 / 32;
+  m.f4 = 21 * e12 / 16 - 55 * e14 / 32;
+  m.f6 = 151 * e13 / 96;
+  m.f8 = 1097 * e14 / 512;
+  return m;
+}
+
+inline double ArcTo(const orv::MeridianArc& m, double phi) {
+  return m.a * (m.c0 * phi - m.c2 * std::sin(2 * phi) + m.c4 * std::sin(4 * phi) - m.c6 * std::sin(6 * phi));
+}
+
+inline orv::TransverseMercator MakeTm(Ellipsoid el, double k0, double lon0, double lat0) {
+  const orv::MeridianArc arc = MakeArc(el);
+  return {el.f == 0, el.a, k0, lon0, lat0, el.e2(), el.e2() / (1 - el.e2()), arc, ArcTo(arc, lat0)};
+}
+
+inline orv::Cassini MakeCassini(Ellipsoid el, double lon0, double lat0) {
+  const orv::MeridianArc arc = MakeArc(el);
+  return {el.f == 0, el.a, lon0, lat0, el.e2(), el.e2() / (1 - el.e2()), arc, ArcTo(arc, lat0)};
+}
+
+inline orv::ObliqueMercator MakeOblique(double a, double k0, double lon1, double lat1, double lon2,
+                                        double lat2) {
+  const double lp = std::atan2(
+      std::cos(lat1) * std::sin(lat2) * std::cos(lon1) - std::sin(lat1) * std::cos(lat2) * std::cos(lon2),
+      std::sin(lat1) * std::cos(lat2) * std::sin(lon2) - std::cos(lat1) * std::sin(lat2) * std::sin(lon1));
+  const double pp = std::atan(-std::cos(lp - lon1) / std::tan(lat1));
+  return {k0 * a, std::sin(pp), std::cos(pp), lp + kHalfPi};
+}
+
+inline double HotineT(double e, double phi) {
+  const double s = std::sin(phi), es = e * s;
+  return std::sqrt((1 - s) / (1 + s) * std::pow((1 + es) / (1 - es), e));
+}
+
+struct HotineBase {
+  double e, A, B, D, t0;
+};
+inline HotineBase MakeHotineBase(Ellipsoid el, double k0, double lat0) {
+  const double e2 = el.e2(), s = std::sin(lat0), c = std::cos(lat0);
+  const double B = std::sqrt(1 + e2 * c * c * c * c / (1 - e2));
+  const double A = el.a * B * k0 * std::sqrt(1 - e2) / (1 - e2 * s * s);
+  const double D = B * std::sqrt(1 - e2) / (c * std::sqrt(1 - e2 * s * s));
+  return {el.e(), A, B, D * D < 1 ? 1 : D, HotineT(el.e(), lat0)};
+}
+inline orv::Hotine FinishHotine(const HotineBase& h, double E, double gamma0, double lambda0, double azimuth,
+                                double lat0, bool rotate, bool offsetU) {
+  const double scale = h.A / h.B;
+  const double uc = scale * std::atan(std::sqrt(h.D * h.D - 1) / std::cos(azimuth)) * (lat0 < 0 ? -1 : 1);
+  return {h.e,
+          h.A,
+          h.B,
+          E,
+          std::sin(gamma0),
+          std::cos(gamma0),
+          lambda0,
+          std::sin(azimuth),
+          std::cos(azimuth),
+          uc,
+          scale * std::log(std::tan(kPi / 4 - gamma0 / 2)),
+          scale * std::log(std::tan(kPi / 4 + gamma0 / 2)),
+          rotate,
+          offsetU};
+}
+inline orv::Hotine MakeHotineAzimuth(Ellipsoid el, double k0, double alpha, double lon1, double lat0,
+                                     bool rotate, bool offsetU) {
+  const HotineBase h = MakeHotineBase(el, k0, lat0);
+  const double F = h.D + (lat0 >= 0 ? 1 : -1) * std::sqrt(h.D * h.D - 1);
+  const double E = F * std::pow(h.t0, h.B), G = (F - 1 / F) / 2;
+  const double gamma0 = std::asin(std::sin(alpha) / h.D);
+  const double lambda0 = lon1 - std::asin(G * std::tan(gamma0)) / h.B;
+  return FinishHotine(h, E, gamma0, lambda0, alpha, lat0, rotate, offsetU);
+}
+inline orv::Hotine MakeHotinePoints(Ellipsoid el, double k0, double lat0, Pt one, Pt two, bool rotate,
+                                    bool offsetU) {
+  const HotineBase h = MakeHotineBase(el, k0, lat0);
+  const double E = (h.D + (lat0 >= 0 ? 1 : -1) * std::sqrt(h.D * h.D - 1)) * std::pow(h.t0, h.B);
+  const double H = std::pow(HotineT(h.e, one.y), h.B), L = std::pow(HotineT(h.e, two.y), h.B);
+  const double F = E / H, G = (F - 1 / F) / 2, J = (E * E - L * H) / (E * E + L * H), P = (L - H) / (L + H);
+  const double lambda0 = (one.x + two.x) / 2 - std::atan(J * std::tan(h.B * (one.x - two.x) / 2) / P) / h.B;
+  const double gamma0 = std::atan(std::sin(h.B * (one.x - lambda0)) / G);
+  return FinishHotine(h, E, gamma0, lambda0, std::asin(h.D * std::sin(gamma0)), lat0, rotate, offsetU);
+}
+
+inline orv::Molodensky MakeMolodensky(Ellipsoid from, Ellipsoid to, double dx, double dy, double dz,
+                                      double pm) {
+  return {from.a, (1 - from.f) * from.a, from.e2(), to.a - from.a, to.f - from.f, dx, dy, dz, pm};
+}
+
+inline orv::BursaWolf MakeBursaWolf(Ellipsoid from, Ellipsoid to, double dx, double dy, double dz, double rx,
+                                    double ry, double rz, double k, double pm) {
+  const double r = kPi / 180 / 3600;
+  return {from.a, from.e2(), to.a, to.f, dx, dy, dz, rx * r, ry * r, rz * r, 1 + k * 1e-6, pm};
+}
+
+// Made up: every power from 0 to 9 of each variable occurs, and mixed ones.
+inline constexpr orv::RegressionTerm kLatTerms[] = {{1.25, 0, 0},  {-0.75, 1, 0}, {0.5, 0, 1},  {2.5, 2, 1},
+                                                    {-1.5, 3, 3},  {0.25, 4, 0},  {7.5, 9, 0},  {-3.5, 5, 6},
+                                                    {0.125, 7, 8}, {2, 6, 2},     {-2.25, 8, 9}};
+inline constexpr orv::RegressionTerm kLonTerms[] = {{-2.5, 0, 0}, {1.5, 0, 1},  {0.3, 1, 1}, {-4.2, 0, 9},
+                                                    {0.7, 2, 7},  {-0.9, 9, 4}, {0.1, 3, 5}};
+inline orv::Regression MakeRegression(double k) { return {37, -95, k, kLatTerms, 11, kLonTerms, 7}; }
+
+// n points in a box, drawn evenly with a fixed seed.
+inline std::vector<Pt> Box(std::size_t n, double x0, double x1, double y0, double y1) {
+  std::mt19937_64 generator(5);
+  std::uniform_real_distribution<double> x(x0, x1), y(y0, y1);
+  std::vector<Pt> points(n);
+  for (Pt& p : points) p = {x(generator), y(generator)};
+  return points;
+}
+
+inline double* Data(std::vector<Pt>& points) { return points.empty() ? nullptr : &points[0].x; }
+
+}  // namespace lanetest
