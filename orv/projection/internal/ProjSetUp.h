@@ -1,0 +1,25 @@
+// ProjSetUp.h: set-up constants that several engines share, in scalar double.
+#pragma once
+
+#include "orv/projection/MeridianArc.h"
+#include "orv/projection/ProjTransverseMercator.h"
+#include "orv/projection/ProjectionParameters.h"
+
+namespace orv::internal {
+
+/// The square of the eccentricity, 2 f - f^2.
+double EccentricitySquared(const ProjectionParameters& p);
+
+/// The series of the meridian arc and of its inverse, [Sny87] (3-21), (3-24), (3-26), (7-19).
+///
+/// @param a   major radius, metres.
+/// @param e2  square of the eccentricity, below 1.
+MeridianArc MakeMeridianArc(double a, double e2);
+
+/// The arc from the Equator to phi, radians, in the unit of a: [Sny87] (3-21).
+double ArcLength(const MeridianArc& m, double phi);
+
+/// The constants of the Transverse Mercator and of UTM, of working parameters (radians).
+TransverseMercator MakeTransverseMercator(const ProjectionParameters& radians);
+
+}  // namespace orv::internal
