@@ -1,0 +1,163 @@
+#include "orv/datum/DatumMethods.h"
+
+#include "orv/core/internal/Angle.h"
+#include "orv/core/internal/Marker.h"
+#include "orv/datum/RegressionTables.h"
+#include "orv/lanes/Dispatch.h"
+
+namespace orv::internal {
+
+namespace {
+
+struct Axes {
+  double a;  // major radius, metres
+  double f;  // flattening
+};
+
+// What the status of a load, or of a point, means for the batch; null when it goes on.
+const char* NTv2Failure(NTv2Status status) {
+  switch (status) {
+    case NTv2Done:
+      return nullptr;
+    case NTv2NotPresent:
+      return "NTV2 grid shift file not present.";
+    case NTv2ReadShort:
+    case NTv2BadHeader:
+      return "NTV2 grid shift file is incomplete or contains bad data (possibly corrupted during download?)";
+    default:
+      return "NTV2 datum conversion failed.";
+  }
+}
+
+template <class... F>
+struct Choose : F... {
+  using F::operator()...;
+};
+template <class... F>
+Choose(F...) -> Choose<F...>;
+
+}  // namespace
+
+Molodensky MolodenskyOf(const DatumParameters& p, double targetRadius, double targetFlattening,
+                        bool inverse) {
+  const Axes own = {p.ellipsoid.GetMajorRadius(), p.ellipsoid.GetFlattening()};
+  const Axes target = {targetRadius, targetFlattening};
+  const Axes& from = inverse ? target : own;
+  const Axes& to = inverse ? own : target;
+  const double sign = inverse ? -1.0 : 1.0;
+  Molodensky c;
+  c.a1 = from.a;
+  c.b1 = (1.0 - from.f) * from.a;
+  c.e2 = 2.0 * from.f - from.f * from.f;
+  c.da = to.a - from.a;
+  c.df = to.f - from.f;
+  c.dx = sign * p.dx;
+  c.dy = sign * p.dy;
+  c.dz = sign * p.dz;
+  c.pmShift = sign * p.pmShift;
+  return c;
+}
+
+BursaWolf BursaWolfOf(const DatumParameters& p, double targetRadius, double targetFlattening, bool inverse) {
+  const Axes own = {p.ellipsoid.GetMajorRadius(), p.ellipsoid.GetFlattening()};
+  const Axes target = {targetRadius, targetFlattening};
+  const Axes& from = inverse ? target : own;
+  const Axes& to = inverse ? own : target;
+  const double sign = inverse ? -1.0 : 1.0;
+  const auto radians = [sign](double seconds) { return sign * (seconds / 3600.0 * (kPi / 180.0)); };
+  const double scale = 1.0 + p.k * 1e-6;
+  BursaWolf c;
+  c.aFrom = from.a;
+  c.e2From = (2.0 - from.f) * from.f;
+  c.aTo = to.a;
+  c.fTo = to.f;
+  c.dx = sign * p.dx;
+  c.dy = sign * p.dy;
+  c.dz = sign * p.dz;
+  c.rx = radians(p.rx);
+  c.ry = radians(p.ry);
+  c.rz = radians(p.rz);
+  c.s = inverse ? 1.0 / scale : scale;
+  c.pmShift = sign * p.pmShift;
+  return c;
+}
+
+DatumStep::DatumStep(const DatumParameters& p, const EllipsoidDef& target, GridShift& grids) {
+  const double a = target.GetMajorRadius();
+  const double f = target.GetFlattening();
+  // The target's ellipsoid is empty when the known datums hold no such datum.
+  const bool bRadii = p.ellipsoid.GetMajorRadius() > 0.0 && a > 0.0;
+  switch (p.method) {
+    case DatumMethodMolodensky:
+      m_Method = MolodenskyOf(p, a, f, p.inverse);
+      if (!bRadii) m_Method = Failure{"Molodensky datum conversion failed."};
+      break;
+    case DatumMethodBursaWolf:
+      m_Method = BursaWolfOf(p, a, f, p.inverse);
+      if (!bRadii) m_Method = Failure{"Bursa-Wolf datum conversion failed."};
+      break;
+    case DatumMethodNADCON:
+      m_Method = Nadcon{&grids, p.inverse};
+      break;
+    case DatumMethodNTV2:
+      m_Method = NTv2{&grids, p.inverse};
+      break;
+    case DatumMethodMRE:
+      m_Method = RegressionOf(p.mreType);
+      if (!RegressionOf(p.mreType)) m_Method = Failure{"Datum has invalid MRE special code."};
+      break;
+    case DatumMethodUnknown:
+    case DatumMethodNone:
+    case DatumMethodEnd:
+      break;
+  }
+}
+
+bool DatumStep::IsLocal() const {
+  return !std::holds_alternative<Failure>(m_Method) && !std::holds_alternative<Nadcon>(m_Method) &&
+         !std::holds_alternative<NTv2>(m_Method);
+}
+
+void DatumStep::RunLocal(double* xy, size_t count) const {
+  const lanes::KernelTable& kernels = lanes::Kernels();
+  std::visit(Choose{[&](const Molodensky& c) { kernels.molodensky(c, xy, count); },
+                    [&](const BursaWolf& c) { kernels.bursaWolf(c, xy, count); },
+                    [&](const Regression* c) { kernels.regression(*c, xy, count); }, [](const auto&) {}},
+             m_Method);
+}
+
+const char* DatumStep::Run(shr::Vec2d* points, size_t count) const {
+  if (const auto* const failure = std::get_if<Failure>(&m_Method)) return failure->text;
+  if (const auto* const nadcon = std::get_if<Nadcon>(&m_Method)) return RunNadcon(*nadcon, points, count);
+  if (const auto* const ntv2 = std::get_if<NTv2>(&m_Method)) return RunNTv2(*ntv2, points, count);
+  static_assert(sizeof(shr::Vec2d) == 2 * sizeof(double));
+  if (count > 0) RunLocal(&points->x, count);
+  return nullptr;
+}
+
+const char* DatumStep::RunNadcon(const Nadcon& step, shr::Vec2d* points, size_t count) {
+  if (!step.grids->LoadNadcon()) return "NADCON grid shift files missing or corrupt.";
+  step.grids->ShiftNadcon(points, count, step.inverse);
+  return nullptr;
+}
+
+const char* DatumStep::RunNTv2(const NTv2& step, shr::Vec2d* points, size_t count) {
+  const char* failure = NTv2Failure(step.grids->LoadNTv2());
+  if (failure) return failure;
+  for (size_t i = 0; i < count; ++i) {
+    if (!IsMarked(points[i])) points[i] = {ToRadians(points[i].x), ToRadians(points[i].y)};
+  }
+  for (size_t i = 0; i < count && !failure; ++i) {
+    if (IsMarked(points[i])) continue;
+    const NTv2Status status = step.grids->ShiftNTv2(points[i], step.inverse);
+    if (status != NTv2NoShift) failure = NTv2Failure(status);  // a point without a shift stays as it is
+  }
+  // The way back to degrees is taken after a failure too.
+  constexpr double kDegrees = 57.29577951308232;
+  for (size_t i = 0; i < count; ++i) {
+    if (!IsMarked(points[i])) points[i] = {points[i].x * kDegrees, points[i].y * kDegrees};
+  }
+  return failure;
+}
+
+}  // namespace orv::internal

@@ -1,0 +1,41 @@
+// GridShift.h: what the grid methods need of the grids.
+#pragma once
+
+#include <cstddef>
+
+#include "orv/shared/Vec2d.h"
+
+namespace orv::internal {
+
+/// Statuses of the NTv2 grids.
+enum NTv2Status : int {
+  NTv2Done = 0,
+  NTv2NoName = 2,       ///< no file name is known
+  NTv2BadGeometry = 3,  ///< a sub-grid's geometry is invalid
+  NTv2NoShift = 4,      ///< no shift could be computed for a point
+  NTv2NotPresent = 5,   ///< the file cannot be opened
+  NTv2ReadShort = 6,    ///< the file ends early
+  NTv2BadHeader = 7     ///< a check of the headers failed
+};
+
+/// Grids of shifts between datums.  Loading is done once, on the first call; grids that are loaded never
+/// change.
+class GridShift {
+ public:
+  virtual ~GridShift() = default;
+
+  /// True when at least one NADCON grid is loaded.
+  virtual bool LoadNadcon() = 0;
+  /// Shifts points in degrees from NAD27 to NAD83, or back.  A point with the marker in either coordinate,
+  /// and one in no grid, stays.
+  virtual void ShiftNadcon(shr::Vec2d* points, size_t count, bool inverse) = 0;
+
+  virtual NTv2Status LoadNTv2() = 0;
+  /// Shifts one point, in RADIANS.  A point outside every grid stays and gives NTv2Done.
+  virtual NTv2Status ShiftNTv2(shr::Vec2d& point, bool inverse) = 0;
+};
+
+/// The library's own grids.
+GridShift& Grids();
+
+}  // namespace orv::internal
