@@ -1,0 +1,290 @@
+// Points per second of the engines, the datum methods and a whole transformation, with PROJ beside them.
+//
+// Each benchmark converts a fresh copy of the same random valid points (the copy is timed, on both sides) in
+// batches of 1, 10, 1000 and 1 000 000.  PROJ gets its points in radians, so that it need not convert degrees
+// as we do; its Transverse Mercator and UTM are the series (+approx), which ours are too.  Names:
+// subject/direction/who/points.
+#include <benchmark/benchmark.h>
+#include <proj.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "orv/core/ORVGlobals.h"
+#include "orv/datum/DatumConverter.h"
+#include "orv/datum/DatumList.h"
+#include "orv/projection/Projector.h"
+#include "orv/system/CSTransformer.h"
+#include "orv/system/ORVDef.h"
+#include "orv/tables/EllipsoidList.h"
+
+namespace {
+
+using Points = std::vector<shr::Vec2d>;
+using Work = std::function<void(shr::Vec2d*, size_t)>;
+
+constexpr double kDegree = 3.141592653589793 / 180.0;
+constexpr unsigned kSeed = 20260104;
+const std::vector<int64_t> kSizes = {1, 10, 1000, 1000000};
+
+struct Box {
+  double west, east, south, north;
+};
+
+Points RandomPoints(const Box& box) {
+  std::mt19937_64 random(kSeed);
+  std::uniform_real_distribution<double> lon(box.west, box.east), lat(box.south, box.north);
+  Points points(static_cast<size_t>(kSizes.back()));
+  for (shr::Vec2d& point : points) point = {lon(random), lat(random)};
+  return points;
+}
+
+Points Scaled(Points points, double factor) {
+  for (shr::Vec2d& point : points) point = {point.x * factor, point.y * factor};
+  return points;
+}
+
+/// Benchmarks that convert nothing, or to nothing, would be fast for no reason.
+void RequirePlaced(const Points& points, const std::string& name) {
+  for (const shr::Vec2d& point : points) {
+    if (!std::isfinite(point.x) || !std::isfinite(point.y) || point.x == std::numeric_limits<double>::max()) {
+      throw std::runtime_error(name + ": a point has no result");
+    }
+  }
+}
+
+void Register(const std::string& name, const std::shared_ptr<const Points>& input, const Work& work) {
+  for (const int64_t size : kSizes) {
+    benchmark::RegisterBenchmark((name + "/" + std::to_string(size)).c_str(), [=](benchmark::State& state) {
+      const auto count = static_cast<size_t>(size);
+      Points points(count);
+      for (auto _ : state) {
+        std::copy(input->begin(), input->begin() + size, points.begin());
+        work(points.data(), count);
+        benchmark::DoNotOptimize(points.data());
+        benchmark::ClobberMemory();
+      }
+      state.SetItemsProcessed(state.iterations() * size);
+    });
+  }
+}
+
+/// PROJ's transformation, forward or inverse, of points in place.
+class Proj {
+ public:
+  explicit Proj(const std::string& definition)
+      : m_Transformation(proj_create(PJ_DEFAULT_CTX, definition.c_str())) {
+    if (!m_Transformation) throw std::runtime_error("PROJ refuses " + definition);
+  }
+  Work Run(PJ_DIRECTION direction) const {
+    PJ* const transformation = m_Transformation.get();
+    return [transformation, direction](shr::Vec2d* points, size_t count) {
+      proj_trans_generic(transformation, direction, &points->x, sizeof(shr::Vec2d), count, &points->y,
+                         sizeof(shr::Vec2d), count, nullptr, 0, 0, nullptr, 0, 0);
+    };
+  }
+
+ private:
+  struct Destroy {
+    void operator()(PJ* transformation) const { proj_destroy(transformation); }
+  };
+  std::unique_ptr<PJ, Destroy> m_Transformation;
+};
+
+template <class T, class... Arguments>
+T& Keep(Arguments&&... arguments) {
+  static std::vector<std::unique_ptr<T>> kept;  // as long as the process
+  kept.push_back(std::make_unique<T>(std::forward<Arguments>(arguments)...));
+  return *kept.back();
+}
+
+/// Both sides in both directions; `degrees` are geographic points.
+void RegisterBoth(const std::string& name, const Box& box, const Work& forward, const Work& inverse,
+                  const std::string& projDefinition) {
+  const auto degrees = std::make_shared<const Points>(RandomPoints(box));
+  auto projected = std::make_shared<Points>(*degrees);
+  forward(projected->data(), projected->size());
+  RequirePlaced(*projected, name);
+  Register(name + "/forward/orv", degrees, forward);
+  if (inverse) Register(name + "/inverse/orv", projected, inverse);
+  if (projDefinition.empty()) return;
+
+  const Proj& proj = Keep<Proj>(projDefinition);
+  const auto radians = std::make_shared<const Points>(Scaled(*degrees, kDegree));
+  auto peerProjected = std::make_shared<Points>(*radians);
+  proj.Run(PJ_FWD)(peerProjected->data(), peerProjected->size());
+  RequirePlaced(*peerProjected, name + " of PROJ");
+  Register(name + "/forward/proj", radians, proj.Run(PJ_FWD));
+  if (inverse) Register(name + "/inverse/proj", peerProjected, proj.Run(PJ_INV));
+}
+
+orv::EllipsoidDef Ellipsoid(const char* token) {
+  orv::EllipsoidDef ellipsoid;
+  orv::ORVKnownEllipsoidsList.FindByToken(token, &ellipsoid);
+  return ellipsoid;
+}
+
+void RegisterEngine(const std::string& name, orv::ProjectionMethod method, const Box& box,
+                    const std::string& projDefinition,
+                    const std::function<void(orv::ProjectionParameters&)>& set) {
+  orv::ProjectionParameters p;
+  p.method = method;
+  p.ellipsoid = Ellipsoid("WGS84");
+  set(p);
+  orv::Projector& projector = Keep<orv::Projector>(orv::ProjectionDef(p));
+  RegisterBoth(
+      name, box,
+      [&projector](shr::Vec2d* points, size_t count) { projector.TransformForward(points, count); },
+      [&projector](shr::Vec2d* points, size_t count) { projector.TransformInverse(points, count); },
+      projDefinition);
+}
+
+void RegisterEngines() {
+  using P = orv::ProjectionParameters;
+  const Box world = {-179, 179, -80, 80}, zone = {6, 12, -80, 80}, near = {6, 12, 40, 60},
+            borneo = {109, 119, 0, 8};
+  RegisterEngine("Mercator", orv::ProjectionMethodMercator, world, "+proj=merc +lat_ts=30 +ellps=WGS84",
+                 [](P& p) { p.Lat0 = 30; });
+  RegisterEngine("Transverse Mercator", orv::ProjectionMethodTransverseMercator, zone,
+                 "+proj=tmerc +approx +lon_0=9 +lat_0=49 +k=0.9996 +ellps=WGS84",
+                 [](P& p) { p.Lon0 = 9, p.Lat0 = 49, p.K0 = 0.9996; });
+  RegisterEngine("UTM", orv::ProjectionMethodUTM, zone, "+proj=utm +approx +zone=32 +ellps=WGS84",
+                 [](P& p) { p.Lon0 = 9, p.K0 = 0.9996; });
+  RegisterEngine("Cassini", orv::ProjectionMethodCassini, near, "+proj=cass +lon_0=9 +lat_0=49 +ellps=WGS84",
+                 [](P& p) { p.Lon0 = 9, p.Lat0 = 49; });
+  RegisterEngine("Hotine", orv::ProjectionMethodHotine, borneo,
+                 "+proj=omerc +lat_0=4 +lonc=115 +alpha=53.31582 +gamma=53.13010 +k=0.99984 +ellps=WGS84",
+                 [](P& p) {
+                   p.Lat1 = p.Lat0 = 4, p.Lon0 = p.Lon1 = 115, p.Alpha = 53.31582, p.K0 = 0.99984;
+                   p.bUseAlpha = p.bRotate = p.bUOffset = true;
+                 });
+  RegisterEngine("Oblique Mercator", orv::ProjectionMethodObliqueMercator, near,
+                 "+proj=omerc +lon_1=0 +lat_1=45 +lon_2=20 +lat_2=60 +R=6378137",
+                 [](P& p) { p.Lat1 = 45, p.Lon1 = 0, p.Lat2 = 60, p.Lon2 = 20; });
+  RegisterEngine("Miller", orv::ProjectionMethodMiller, world, "+proj=mill +R=6378137", [](P&) {});
+  RegisterEngine("Equidistant Cylindrical", orv::ProjectionMethodEquidistantCylindrical, world,
+                 "+proj=eqc +lat_ts=40 +R=6378137", [](P& p) { p.Lat1 = 40; });
+}
+
+orv::DatumDef Datum(const char* token) {
+  orv::DatumDef datum;
+  orv::ORVKnownDatumsList.FindByToken(token, &datum);
+  return datum;
+}
+
+void RegisterDatum(const std::string& name, const orv::DatumDef& datum, const Box& box, bool invertible,
+                   const std::string& projDefinition) {
+  const orv::DatumDef wgs84 = Datum("WGS84");
+  orv::DatumConverter& there = Keep<orv::DatumConverter>(&datum, &wgs84);
+  there.Initialize();
+  Work back;
+  if (invertible) {
+    orv::DatumConverter& converter = Keep<orv::DatumConverter>(&wgs84, &datum);
+    converter.Initialize();
+    back = [&converter](shr::Vec2d* points, size_t count) { converter.Convert(points, count); };
+  }
+  RegisterBoth(
+      name, box, [&there](shr::Vec2d* points, size_t count) { there.Convert(points, count); }, back,
+      projDefinition);
+}
+
+const std::string kHelmertDhdn =
+    "+step +proj=cart +ellps=bessel +step +proj=helmert +x=598.1 +y=73.7 +z=418.2 +rx=0.202 +ry=0.045 +rz=-2.455 +s=6.7 "
+    "+convention=position_vector +step +inv +proj=cart +ellps=WGS84";
+
+void RegisterDatums() {
+  const Box europe = {5, 15, 45, 55};
+  RegisterDatum("Molodensky", Datum("ED50"), europe, true,
+                "+proj=molodensky +ellps=intl +dx=-87 +dy=-98 +dz=-121 +da=-251 +df=-1.41927027e-05");
+  RegisterDatum("Bursa-Wolf", Datum("DHDN"), europe, true, "+proj=pipeline " + kHelmertDhdn);
+  orv::DatumParameters mre;
+  mre.method = orv::DatumMethodMRE;
+  mre.target = orv::DatumTargetWGS84;
+  mre.mreType = orv::DatumMRETypeED50;
+  RegisterDatum("Regression (ED50)", orv::DatumDef(&mre, 0), europe, false, "");  // PROJ has none
+}
+
+void RegisterTransformer() {
+  orv::ProjectionParameters p;
+  p.method = orv::ProjectionMethodTransverseMercator;
+  p.ellipsoid = Ellipsoid("Bessel1841");
+  p.Lon0 = 9;
+  p.xOrg = 3500000;
+  const orv::DatumDef dhdn = Datum("DHDN"), wgs84 = Datum("WGS84");
+  const orv::ProjectionDef grid(p), geographic(orv::ProjectionMethodUnprojected);
+  const orv::ORVDef from(&dhdn, &grid, nullptr), to(&wgs84, &geographic, nullptr);
+  orv::CSTransformer& transformer = Keep<orv::CSTransformer>(&from, &to, false, false);
+  transformer.Initialize();
+  const Work work = [&transformer](shr::Vec2d* points, size_t count) {
+    transformer.Transform(points, points, count);
+  };
+
+  auto input = std::make_shared<Points>(RandomPoints({6, 12, 45, 55}));
+  orv::Projector(grid).TransformForward(*input);
+  Points result = *input;
+  work(result.data(), result.size());
+  RequirePlaced(result, "transformer");
+  const std::string name = "TM on DHDN to geographic on WGS 84/transform";
+  Register(name + "/orv", input, work);
+  const Proj& proj = Keep<Proj>(
+      "+proj=pipeline +step +inv +proj=tmerc +approx +lon_0=9 +x_0=3500000 +ellps=bessel " + kHelmertDhdn);
+  Register(name + "/proj", input, proj.Run(PJ_FWD));
+}
+
+/// What is not done for each point: no items, but times.
+void RegisterOnce() {
+  const orv::DatumDef dhdn = Datum("DHDN"), wgs84 = Datum("WGS84");
+  orv::ProjectionParameters p;
+  p.method = orv::ProjectionMethodUTM;
+  p.ellipsoid = Ellipsoid("WGS84");
+  const orv::ProjectionDef utm(p);
+  std::string text;
+  orv::ORVDef(&wgs84, &utm, nullptr).EncodeToText(text);
+  benchmark::RegisterBenchmark("once/decode a system", [text](benchmark::State& state) {
+    for (auto _ : state) {
+      benchmark::DoNotOptimize(std::unique_ptr<orv::CSDef>(orv::CSDef::BuildFromEncodedText(text, nullptr)));
+    }
+  });
+  benchmark::RegisterBenchmark("once/plan a datum route", [dhdn, wgs84](benchmark::State& state) {
+    for (auto _ : state) {
+      orv::DatumConverter converter(&dhdn, &wgs84);
+      converter.Initialize();
+      benchmark::DoNotOptimize(&converter);
+    }
+  });
+  benchmark::RegisterBenchmark("once/load the datums", [](benchmark::State& state) {
+    for (auto _ : state) {
+      orv::DatumList list;
+      benchmark::DoNotOptimize(list.Load(nullptr, true));
+    }
+  });
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  try {
+    orv::ORVSetConfigPath(ORV_CATALOGUE_DIR);
+    orv::ORVKnownEllipsoidsList.Load(nullptr, true);
+    orv::ORVKnownDatumsList.Load(nullptr, true);
+    RegisterEngines();
+    RegisterDatums();
+    RegisterTransformer();
+    RegisterOnce();
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "orv_bench: %s\n", e.what());
+    return 1;
+  }
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}

@@ -1,0 +1,110 @@
+#!/usr/bin/env python3
+"""Writes the corpora's first inputs, fuzz/corpus/<reader>/seed-*: small texts of every kind that the readers know."""
+import os
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+
+
+def write(reader, seeds):
+    folder = os.path.join(HERE, "corpus", reader)
+    os.makedirs(folder, exist_ok=True)
+    for name, content in seeds.items():
+        with open(os.path.join(folder, "seed-" + name), "wb") as out:
+            out.write(content.encode("latin-1"))
+
+
+def item(kind, name, values=None, count=1):
+    if kind in "{}":
+        return f"<{kind}{len(name)},{name}[1]>\r\n"
+    if kind == "s":
+        return f'<s{len(name)},{name}[{len(values)}]="{values}">\r\n'
+    values = values if isinstance(values, list) else [values]
+    return f"<{kind}{len(name)},{name}[{len(values)}]={','.join(map(str, values))}>\r\n"
+
+
+def block(name, *content):
+    return item("{", name) + "".join(content) + item("}", name)
+
+
+ELLIPSOID = block("Ellipsoid", item("s", "Token", "WGS84"), item("s", "Name", "WGS 84"), item("d", "POSC", 7030),
+                  item("f", "Radius", "6.378137000000000000e+06"), item("f", "Flat", "3.352810664747480490e-03"))
+
+
+def projection(method, flags=(), **values):
+    return block("Projection", item("s", "Method", method), ELLIPSOID,
+                 *(item("f", key, value) for key, value in values.items()),
+                 *(item("b", key, "t") for key in flags))
+
+
+def datum(method, target, *content):
+    return block("Datum", item("s", "Token", "D"), item("d", "POSC", 6314), item("s", "Method", method),
+                 item("s", "Target", target), *content)
+
+
+def warp(method, *content):
+    return block("Georef", item("s", "Method", method), *content)
+
+
+def encoded_text():
+    shifts = [item("f", key, value) for key, value in
+              dict(PMShift=0, dx=598.1, dy=73.7, dz=418.2, rx=0.202, ry=0.045, rz=-2.455, k=6.7).items()]
+    points = [1.5, -2.5, 100, 0, 7e3, -8]
+    write("encoded_text", {
+        "empty-system": block("ORVDef", item("s", "Token", "MYGRID"), item("s", "Name", "My grid")),
+        "utm-on-dhdn": block("ORVDef", projection("UTM", ("bSouth",), Scale=1, Lon0=15, Lat0=0, K0=0.9996),
+                             datum("Bursa-Wolf", "WGS84", ELLIPSOID, *shifts)),
+        "hotine": block("ORVDef", projection("Hotine Oblique Mercator", ("bUseAlpha", "bRotate", "bUOffset"), Alpha=53.3,
+                                             Lat0=4, Lat1=4, Lon1=115, K0=0.99984, xOrg=590476.87)),
+        "mre": block("ORVDef", datum("MRE", "WGS84", item("s", "MREType", "ED50"), item("s", "Special", "NAD83"))),
+        "nadcon": block("ORVDef", datum("NADCON", "NAD83", item("b", "NadconPrvi", "t"), item("b", "Inverse", "t"))),
+        "coefficients": block("ORVDef", warp("Affine with coefficients", item("f", "Coeff", [1, 0, 0, 0, 1, 0]))),
+        "local": block("UCSDef", item("s", "Name", r"Site \x22A\x22"), item("f", "Scale", 0.3048), item("f", "XOrg", -5),
+                       item("f", "YOrg", 1e3),
+                       warp("Helmert", item("f", "SrcControls", points), item("f", "DestControls", points))),
+        "unknown-items": block("ORVDef", item("u", "Future", 4294967295), "<v3,Raw[4]=00FF10AB>\r\n",
+                               item("f", "x", [1, 2, 3]), item("s", "Comment", "c")),
+        "unknown-block": block("ORVDef", block("Tomorrow", item("f", "x", 1)), item("s", "Comment", "c")),
+        "nested-deep": "".join(item("{", "ORVDef") for _ in range(300)),
+        "huge-count": "<{6,ORVDef[4294967295]>\r\n<s5,Token[4294967295]=\"a\">\r\n<f5,Scale[4294967295]=1,2>\r\n",
+    })
+
+
+def lists():
+    write("ellipsoid_list", {
+        "all-keys": '; comment\n{\n token="A" name="a b" comment=\'it is "quoted"\' radius=6378137 invflat=298.257223563'
+                    ' posc=7030\n}\n{ Token=B Name=B radius=6370997.5 flat=0 }\n',
+        "minor-radius": "{ token=C name=C radius=6378206.4 minrad=6356583.8 posc=7008 unknown=x }",
+        "minor-radius-first": "{ token=C name=C minrad=6356583.8 radius=6378206.4 }",
+        "no-brace": "token=A",
+        "no-equals": "{ token A }",
+        "no-end": '{ token="A" name="',
+        "numbers": "{ token=N name=N radius=1e300 flat=0.99999999999999999999 }{ token=M name=M radius=0.0001 flat=1e-300 }",
+        "negative": "{ radius=-1 flat=-0.5 posc=-99999999999999999999 }",
+        "empty": "",
+    })
+    write("datum_list", {
+        "bursa-wolf": '{\n token="D" name="d" comment="c" posc=6314 method="Bursa-Wolf" target="WGS84" ellipsoid="WGS84"\n'
+                      " dx=598.1 dy=73.7 dz=418.2 rx=0.202 ry=0.045 rz=-2.455 k=6.7 pmshift=-17.4 geogcs=true\n}\n",
+        "own-ellipsoid": "{ token=E name=E method=Mol target=NAD83 ellipsoid_token=X ellipsoid_name=Y "
+                         "ellipsoid_radius=6378000.1234 ellipsoid_flat=0.0033 dx=1 }",
+        "grids": "{ token=F name=F special=NAD27 method=NADCON target=NAD83 prvi=true inverse=true }"
+                 "{ token=G name=G method=NTV2 target=NAD83-CANADA }{ token=H name=H method=MRE target=WGS84 mretype=ED50 }",
+        "unknown-words": "{ token=I name=I method=Teleport }",
+        "unknown-ellipsoid": "{ token=I name=I ellipsoid=Potato }",
+        "unnamed": "{ token=J method=None target=WGS84 }",
+        "out-of-range": "{ token=K name=K method=Bursa target=WGS84 ellipsoid=WGS84 pmshift=181 dx=1e39 k=1e308 }",
+        "empty": "",
+    })
+
+
+def lat_lon_text():
+    write("lat_lon_text", {
+        "seconds": "d10d30m36sS", "minutes": "d10d30", "plain": "d10.5", "west": "d  -7.25 w ", "quotes": "d12D30'59.999\"n",
+        "symbol": "\xb052\xb031'12\"", "no-symbol": "\x0012.5E", "point": "d.", "trailing": "d10 30", "letter": "dN",
+        "long": "d" + "9" * 400, "tiny": "d0." + "0" * 330 + "1", "carry": "d59.99999999999999", "spaces": "d10d 30' 15\" E",
+    })
+
+
+encoded_text()
+lists()
+lat_lon_text()

@@ -1,0 +1,40 @@
+// Command.h: what the subcommands of orv have in common.
+//
+// Data goes to standard output, messages to standard error, each line of them beginning with "orv: ".
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace orv::tool {
+
+/// What the process answers.
+enum ExitStatus : int {
+  ExitAllDone = 0,
+  ExitSomeLost = 1,  ///< everything was written, but some points have no value
+  ExitUsage = 2      ///< bad arguments, definitions or files; the output may end early
+};
+
+/// Ends the command with ExitUsage.  The text has neither "orv: " nor a full stop.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Writes to standard output; a failure raises UsageError.
+void WriteOutput(const std::string& text);
+/// Empties the buffers of standard output; a failure raises UsageError.
+void FlushOutput();
+/// Writes "orv: ", the text and a line feed to standard error.
+void Report(const std::string& text);
+
+// Each adds its subcommand, whose callback stores the exit status.
+void AddConvertCommand(CLI::App& app, int& status);
+void AddLatLonCommand(CLI::App& app, int& status);
+void AddDefCommand(CLI::App& app, int& status);
+
+}  // namespace orv::tool

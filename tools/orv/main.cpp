@@ -1,0 +1,67 @@
+// orv: the command line of ORVCore.
+#include <fmt/core.h>
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "orv/core/ORVGlobals.h"
+#include "orv/shared/Exception.h"
+#include "tools/orv/Command.h"
+
+namespace orv::tool {
+
+void WriteOutput(const std::string& text) {
+  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
+    throw UsageError(fmt::format("cannot write to standard output: {}", std::strerror(errno)));
+  }
+}
+
+void FlushOutput() {
+  if (std::fflush(stdout) != 0) {
+    throw UsageError(fmt::format("cannot write to standard output: {}", std::strerror(errno)));
+  }
+}
+
+void Report(const std::string& text) { fmt::print(stderr, "orv: {}\n", text); }
+
+}  // namespace orv::tool
+
+int main(int argc, char** argv) {
+  using namespace orv::tool;
+  int status = ExitAllDone;
+  CLI::App app{
+      "Converts points between coordinate systems and shows definitions of such systems.\n"
+      "x is longitude or easting, y latitude or northing, always in this order; angles are degrees, east and north\n"
+      "positive.  Data goes to standard output, messages to standard error."};
+  app.name("orv");
+  app.set_version_flag("--version", "orv " ORV_VERSION);
+  app.add_option_function<std::string>(
+         "--config", [](const std::string& folder) { orv::ORVSetConfigPath(folder.c_str()); },
+         "Folder that is searched first for ellipsoid.ocf and datum.ocf")
+      ->type_name("FOLDER")
+      ->trigger_on_parse();
+  app.require_subcommand(1);
+  app.failure_message([](const CLI::App*, const CLI::Error& e) {
+    return fmt::format("orv: {}\nTry orv --help or orv COMMAND --help.\n", e.what());
+  });
+  app.footer(
+      "Exit status: 0 all done; 1 some points have no value in the target system or did not parse (each is reported);\n"
+      "2 the arguments, a definition or a file cannot be used.");
+  AddConvertCommand(app, status);
+  AddLatLonCommand(app, status);
+  AddDefCommand(app, status);
+
+  try {
+    app.parse(argc, argv);
+    FlushOutput();
+  } catch (const CLI::ParseError& e) {
+    return app.exit(e) == 0 ? ExitAllDone : ExitUsage;
+  } catch (const std::exception& e) {  // UsageError and shr::Exception
+    std::fflush(stdout);
+    Report(e.what());
+    return ExitUsage;
+  }
+  return status;
+}
