@@ -1,5 +1,5 @@
-// The public interface, name by name and shape by shape: it must compile as C++17 and link against the
-// installed module.  A call that a host has written stays valid.
+// The public interface, name by name and shape by shape: it must compile as C++17 and link against the installed
+// module.  A call that a host has written stays valid.
 #include <type_traits>
 
 #include "orv/ORVCore.h"
@@ -9,6 +9,12 @@ using namespace orv;  // NOLINT: the types below read as a host writes them
 static_assert(std::is_constructible_v<shr::Vec2d>);
 static_assert(std::is_constructible_v<shr::Vec2d, double, double>);
 static_assert(std::is_constructible_v<shr::Exception, const char*, const char*, int, int, const char*>);
+static_assert(std::is_constructible_v<orv::LinearUnitInfo>);
+static_assert(std::is_constructible_v<orv::AngularUnitInfo>);
+static_assert(std::is_constructible_v<orv::LinearUnitList>);
+static_assert(std::is_constructible_v<orv::AngularUnitList>);
+static_assert(std::is_constructible_v<orv::MeridianInfo>);
+static_assert(std::is_constructible_v<orv::MeridianList>);
 static_assert(std::is_constructible_v<orv::EllipsoidDef>);
 static_assert(
     std::is_constructible_v<orv::EllipsoidDef, double, double, const char*, const char*, const char*, int>);
@@ -70,6 +76,69 @@ int UsePublicInterface() {
   Use(static_cast<const char* (*)()>(&orv::ORVGetErrorFile));
   Use(static_cast<int (*)()>(&orv::ORVGetErrorLine));
   Use(static_cast<int (*)()>(&orv::ORVGetErrorCode));
+  Use(static_cast<int (orv::LinearUnitList::*)() const>(&orv::LinearUnitList::First));
+  Use(static_cast<int (orv::LinearUnitList::*)() const>(&orv::LinearUnitList::Last));
+  Use(static_cast<int (orv::LinearUnitList::*)() const>(&orv::LinearUnitList::Count));
+  Use(static_cast<bool (orv::LinearUnitList::*)(int, LinearUnitInfo&) const>(&orv::LinearUnitList::Enum));
+  Use(static_cast<const char* (orv::LinearUnitList::*)(int) const>(&orv::LinearUnitList::EnumToken));
+  Use(static_cast<const char* (orv::LinearUnitList::*)(int) const>(&orv::LinearUnitList::EnumName));
+  Use(static_cast<const char* (orv::LinearUnitList::*)(int) const>(&orv::LinearUnitList::EnumNamePlural));
+  Use(static_cast<double (orv::LinearUnitList::*)(int) const>(&orv::LinearUnitList::EnumMultiplier));
+  Use(static_cast<double (orv::LinearUnitList::*)(int) const>(&orv::LinearUnitList::EnumDivider));
+  Use(static_cast<int (orv::LinearUnitList::*)(int) const>(&orv::LinearUnitList::EnumPOSC));
+  Use(static_cast<int (orv::LinearUnitList::*)(const char*) const>(&orv::LinearUnitList::FindByToken));
+  Use(static_cast<int (orv::LinearUnitList::*)(const char*) const>(&orv::LinearUnitList::FindByName));
+  Use(static_cast<int (orv::LinearUnitList::*)(int) const>(&orv::LinearUnitList::FindByPOSCNumber));
+  Use(static_cast<int (orv::LinearUnitList::*)(double) const>(&orv::LinearUnitList::FindByMultiplier));
+  Use(static_cast<int (orv::LinearUnitList::*)(double) const>(&orv::LinearUnitList::FindByDivider));
+  Use(static_cast<int (orv::LinearUnitList::*)(const LinearUnitInfo&)>(&orv::LinearUnitList::Add));
+  Use(static_cast<bool (orv::LinearUnitList::*)(int, const LinearUnitInfo&)>(&orv::LinearUnitList::Replace));
+  Use(static_cast<bool (orv::LinearUnitList::*)(int)>(&orv::LinearUnitList::Remove));
+  Use(static_cast<void (orv::LinearUnitList::*)()>(&orv::LinearUnitList::Flush));
+  Use(static_cast<bool (orv::LinearUnitList::*)(const char*, bool)>(&orv::LinearUnitList::Load));
+  Use(static_cast<bool (orv::LinearUnitList::*)(const char*) const>(&orv::LinearUnitList::Save));
+  Use(static_cast<int (orv::AngularUnitList::*)() const>(&orv::AngularUnitList::First));
+  Use(static_cast<int (orv::AngularUnitList::*)() const>(&orv::AngularUnitList::Last));
+  Use(static_cast<int (orv::AngularUnitList::*)() const>(&orv::AngularUnitList::Count));
+  Use(static_cast<bool (orv::AngularUnitList::*)(int, AngularUnitInfo&) const>(&orv::AngularUnitList::Enum));
+  Use(static_cast<const char* (orv::AngularUnitList::*)(int) const>(&orv::AngularUnitList::EnumToken));
+  Use(static_cast<const char* (orv::AngularUnitList::*)(int) const>(&orv::AngularUnitList::EnumName));
+  Use(static_cast<const char* (orv::AngularUnitList::*)(int) const>(&orv::AngularUnitList::EnumNamePlural));
+  Use(static_cast<double (orv::AngularUnitList::*)(int) const>(&orv::AngularUnitList::EnumMultiplier));
+  Use(static_cast<double (orv::AngularUnitList::*)(int) const>(&orv::AngularUnitList::EnumDivider));
+  Use(static_cast<int (orv::AngularUnitList::*)(int) const>(&orv::AngularUnitList::EnumPOSC));
+  Use(static_cast<int (orv::AngularUnitList::*)(const char*) const>(&orv::AngularUnitList::FindByToken));
+  Use(static_cast<int (orv::AngularUnitList::*)(const char*) const>(&orv::AngularUnitList::FindByName));
+  Use(static_cast<int (orv::AngularUnitList::*)(int) const>(&orv::AngularUnitList::FindByPOSCNumber));
+  Use(static_cast<int (orv::AngularUnitList::*)(double) const>(&orv::AngularUnitList::FindByMultiplier));
+  Use(static_cast<int (orv::AngularUnitList::*)(double) const>(&orv::AngularUnitList::FindByDivider));
+  Use(static_cast<int (orv::AngularUnitList::*)(const AngularUnitInfo&)>(&orv::AngularUnitList::Add));
+  Use(static_cast<bool (orv::AngularUnitList::*)(int, const AngularUnitInfo&)>(
+      &orv::AngularUnitList::Replace));
+  Use(static_cast<bool (orv::AngularUnitList::*)(int)>(&orv::AngularUnitList::Remove));
+  Use(static_cast<void (orv::AngularUnitList::*)()>(&orv::AngularUnitList::Flush));
+  Use(static_cast<bool (orv::AngularUnitList::*)(const char*, bool)>(&orv::AngularUnitList::Load));
+  Use(static_cast<bool (orv::AngularUnitList::*)(const char*) const>(&orv::AngularUnitList::Save));
+  Use(static_cast<double (*)(double, int, int)>(&orv::ORVConvertLinearUnit));
+  Use(static_cast<double (*)(double, int, int)>(&orv::ORVConvertAngularUnit));
+  Use(static_cast<int (orv::MeridianList::*)() const>(&orv::MeridianList::First));
+  Use(static_cast<int (orv::MeridianList::*)() const>(&orv::MeridianList::Last));
+  Use(static_cast<int (orv::MeridianList::*)() const>(&orv::MeridianList::Count));
+  Use(static_cast<bool (orv::MeridianList::*)(int, MeridianInfo&) const>(&orv::MeridianList::Enum));
+  Use(static_cast<const char* (orv::MeridianList::*)(int) const>(&orv::MeridianList::EnumToken));
+  Use(static_cast<const char* (orv::MeridianList::*)(int) const>(&orv::MeridianList::EnumName));
+  Use(static_cast<double (orv::MeridianList::*)(int) const>(&orv::MeridianList::EnumLongitude));
+  Use(static_cast<int (orv::MeridianList::*)(int) const>(&orv::MeridianList::EnumPOSC));
+  Use(static_cast<int (orv::MeridianList::*)(const char*) const>(&orv::MeridianList::FindByToken));
+  Use(static_cast<int (orv::MeridianList::*)(const char*) const>(&orv::MeridianList::FindByName));
+  Use(static_cast<int (orv::MeridianList::*)(int) const>(&orv::MeridianList::FindByPOSCNumber));
+  Use(static_cast<int (orv::MeridianList::*)(double) const>(&orv::MeridianList::FindByLongitude));
+  Use(static_cast<int (orv::MeridianList::*)(const MeridianInfo&)>(&orv::MeridianList::Add));
+  Use(static_cast<bool (orv::MeridianList::*)(int, const MeridianInfo&)>(&orv::MeridianList::Replace));
+  Use(static_cast<bool (orv::MeridianList::*)(int)>(&orv::MeridianList::Remove));
+  Use(static_cast<void (orv::MeridianList::*)()>(&orv::MeridianList::Flush));
+  Use(static_cast<bool (orv::MeridianList::*)(const char*, bool)>(&orv::MeridianList::Load));
+  Use(static_cast<bool (orv::MeridianList::*)(const char*) const>(&orv::MeridianList::Save));
   Use(static_cast<void (orv::EllipsoidDef::*)()>(&orv::EllipsoidDef::Flush));
   Use(static_cast<const char* (orv::EllipsoidDef::*)() const>(&orv::EllipsoidDef::GetToken));
   Use(static_cast<const char* (orv::EllipsoidDef::*)() const>(&orv::EllipsoidDef::GetName));

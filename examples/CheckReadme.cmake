@@ -1,0 +1,10 @@
+# Fails unless README holds the text of SOURCE and what PROGRAM prints.
+file(READ ${README} readme)
+file(READ ${SOURCE} source)
+execute_process(COMMAND ${PROGRAM} OUTPUT_VARIABLE printed OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+foreach(text IN ITEMS source printed)
+  string(FIND "${readme}" "${${text}}" at)
+  if(at EQUAL -1)
+    message(FATAL_ERROR "README.md does not show:\n${${text}}")
+  endif()
+endforeach()
