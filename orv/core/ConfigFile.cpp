@@ -201,18 +201,18 @@ bool ConfigFileReader::Next() {
 // ---- writer ----------------------------------------------------------------------------------------------
 
 ConfigFileWriter::~ConfigFileWriter() {
-  if (m_pFile) std::fclose(m_pFile);
+  if (m_Replacement.file) platform::AbandonReplacement(m_Replacement);
 }
 
 bool ConfigFileWriter::TryOpen(const char* fileName) {
   fileName = internal::EmptyIfNull(fileName);
-  if (m_pFile) {
+  if (m_Replacement.file) {
     return ORV_FAIL(ErrWrongState, "Configuration file already open while attempting to open '%s'", fileName);
   }
   m_FileName = fileName;
   m_Lines = 0;
-  m_pFile = platform::OpenFile(m_FileName.c_str(), "wb");
-  return m_pFile != nullptr;
+  m_bFailed = false;
+  return platform::BeginReplacement(m_FileName.c_str(), m_Replacement);
 }
 
 bool ConfigFileWriter::Open(const char* fileName) {
@@ -221,21 +221,21 @@ bool ConfigFileWriter::Open(const char* fileName) {
 }
 
 void ConfigFileWriter::Close() {
-  if (!m_pFile) return;
-  const bool written = std::fclose(m_pFile) == 0;
-  m_pFile = nullptr;
-  if (!written) {
+  if (!m_Replacement.file) return;
+  if (m_bFailed) platform::AbandonReplacement(m_Replacement);
+  if (m_bFailed || !platform::FinishReplacement(m_Replacement)) {
     ORV_FAIL(ErrWriteFailed, "File write failed on configuration file '%s'", m_FileName.c_str());
   }
 }
 
 void ConfigFileWriter::Write(const std::string& text) {
-  if (!m_pFile) {
+  if (!m_Replacement.file) {
     ORV_FAIL(ErrWrongState, "Attempt to write to configuration file before file is open");
     return;
   }
   const std::string& written = m_Escape == Escape::None ? text : Escaped(text, m_Escape == Escape::KeepLines);
-  if (std::fwrite(written.data(), 1, written.size(), m_pFile) != written.size()) {
+  if (std::fwrite(written.data(), 1, written.size(), m_Replacement.file) != written.size()) {
+    m_bFailed = true;
     ORV_FAIL(ErrWriteFailed, "File write failed on configuration file '%s'", m_FileName.c_str());
     return;
   }

@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "orv/core/Platform.h"
+
 namespace orv {
 
 /// Splits a file into tokens.  Every read character is a byte; no character is special beyond those named
@@ -65,6 +67,9 @@ class ConfigFileReader {
 };
 
 /// Writes a configuration file.  Lines end in a line feed on every platform.
+///
+/// The file appears, or replaces the one that stood there, whole when it is closed; until then, and after any
+/// failure, the old one is as it was.
 class ConfigFileWriter {
  public:
   enum class Escape {
@@ -74,7 +79,7 @@ class ConfigFileWriter {
   };
 
   explicit ConfigFileWriter(Escape escape = Escape::None) : m_Escape(escape) {}
-  /// Closes silently.
+  /// Gives up, silently, a file that has not been closed.
   ~ConfigFileWriter();
   ConfigFileWriter(const ConfigFileWriter&) = delete;
   ConfigFileWriter& operator=(const ConfigFileWriter&) = delete;
@@ -83,7 +88,7 @@ class ConfigFileWriter {
   bool TryOpen(const char* fileName);
   /// The same, but a file that cannot be created raises 1028.
   bool Open(const char* fileName);
-  /// Raises 1030 when the last bytes cannot be written.
+  /// Raises 1030 when the last bytes cannot be written, or others could not.
   void Close();
 
   /// Writes a text as one piece; raises 1027 without an open file, 1030 when the write fails.
@@ -100,7 +105,8 @@ class ConfigFileWriter {
 
  private:
   std::string m_FileName;
-  std::FILE* m_pFile = nullptr;
+  platform::Replacement m_Replacement;  // its file is null when none is open
+  bool m_bFailed = false;               // a write has failed
   int m_Lines = 0;
   Escape m_Escape;
 };

@@ -28,6 +28,22 @@ std::FILE* OpenFile(const char* path, const char* mode);
 /// folder cannot be read.
 std::vector<std::string> ListFiles(const std::string& folder);
 
+/// A file that is being replaced.  What is written goes to a new file beside it, which takes its place at the
+/// end, so that a full disk or a crash never leaves half a file where a whole one stood.
+struct Replacement {
+  std::FILE* file = nullptr;
+  std::string temporary;  ///< "" when the target itself is written: a device, a pipe, a file without a name
+  std::string target;     ///< behind symbolic links
+};
+/// Opens a replacement with the access rights of the file that stands there.  False, and nothing changed, when
+/// that file may not be written or its folder takes no new file.
+bool BeginReplacement(const char* path, Replacement& replacement);
+/// Brings the bytes to the disk, closes and puts the new file in the old one's place.  False when any of it
+/// fails; the old file is then as it was and the new one is gone.
+bool FinishReplacement(Replacement& replacement);
+/// Closes and deletes the new file; the old one is as it was.
+void AbandonReplacement(Replacement& replacement);
+
 /// Milliseconds of a monotonic clock.
 uint32_t TickMilliseconds();
 

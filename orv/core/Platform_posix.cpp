@@ -1,11 +1,13 @@
 #include <dirent.h>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <locale.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cfenv>
 #include <chrono>
 #include <climits>
@@ -70,6 +72,53 @@ std::FILE* OpenFile(const char* path, const char* mode) {
   // POSIX lets a directory be opened for reading; here only a file counts.
   if (mode[0] == 'r' && !IsRegularFile(path)) return nullptr;
   return std::fopen(path, mode);
+}
+
+bool BeginReplacement(const char* path, Replacement& replacement) {
+  replacement = Replacement();
+  if (!path || *path == '\0') return false;
+  struct stat status;
+  const bool exists = ::stat(path, &status) == 0;
+  if (exists && (!S_ISREG(status.st_mode) || status.st_nlink == 0)) {  // nothing that could be renamed
+    replacement.file = std::fopen(path, "wb");
+    return replacement.file != nullptr;
+  }
+  if (exists && ::access(path, W_OK) != 0) return false;
+  replacement.target = exists ? Absolute(path) : path;
+  const std::string folder = replacement.target.substr(0, replacement.target.rfind('/') + 1);
+  int descriptor = -1;
+  for (int number = 0; descriptor < 0 && number < 1000; ++number) {
+    replacement.temporary = folder + ".orv-save-" + std::to_string(::getpid()) + '-' + std::to_string(number);
+    descriptor = ::open(replacement.temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (descriptor < 0 && errno != EEXIST) return false;
+  }
+  if (descriptor < 0) return false;
+  // Only the owner of everything may give a file away: then the new one is the saver's own.
+  if (exists && ::fchown(descriptor, status.st_uid, status.st_gid) == 0) {
+    [[maybe_unused]] const int changed = ::fchmod(descriptor, status.st_mode & 07777);
+  }
+  replacement.file = ::fdopen(descriptor, "wb");
+  if (replacement.file) return true;
+  ::close(descriptor);
+  ::unlink(replacement.temporary.c_str());
+  return false;
+}
+
+bool FinishReplacement(Replacement& replacement) {
+  const bool renames = !replacement.temporary.empty();
+  bool done = std::fflush(replacement.file) == 0 && (!renames || ::fsync(::fileno(replacement.file)) == 0);
+  done = std::fclose(replacement.file) == 0 && done;
+  replacement.file = nullptr;
+  if (!renames) return done;
+  done = done && std::rename(replacement.temporary.c_str(), replacement.target.c_str()) == 0;
+  if (!done) ::unlink(replacement.temporary.c_str());
+  return done;
+}
+
+void AbandonReplacement(Replacement& replacement) {
+  std::fclose(replacement.file);
+  replacement.file = nullptr;
+  if (!replacement.temporary.empty()) ::unlink(replacement.temporary.c_str());
 }
 
 std::vector<std::string> ListFiles(const std::string& folder) {

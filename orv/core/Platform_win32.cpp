@@ -2,7 +2,9 @@
 #define NOMINMAX
 #include <windows.h>
 
+#include <fcntl.h>
 #include <float.h>
+#include <io.h>
 #include <locale.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -68,6 +70,53 @@ const std::string& ExecutablePath() { return Paths().executable; }
 std::FILE* OpenFile(const char* path, const char* mode) {
   if (!path || *path == '\0') return nullptr;
   return std::fopen(path, mode);
+}
+
+bool BeginReplacement(const char* path, Replacement& replacement) {
+  replacement = Replacement();
+  if (!path || *path == '\0') return false;
+  const DWORD attributes = ::GetFileAttributesA(path);
+  constexpr DWORD kRefused = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY;
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & kRefused) != 0) return false;
+  replacement.target = path;
+  const size_t separator = replacement.target.find_last_of("/\\");
+  const std::string folder =
+      separator == std::string::npos ? std::string() : replacement.target.substr(0, separator + 1);
+  HANDLE handle = INVALID_HANDLE_VALUE;
+  for (int number = 0; handle == INVALID_HANDLE_VALUE && number < 1000; ++number) {
+    replacement.temporary =
+        folder + ".orv-save-" + std::to_string(::GetCurrentProcessId()) + '-' + std::to_string(number);
+    handle = ::CreateFileA(replacement.temporary.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                           FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE && ::GetLastError() != ERROR_FILE_EXISTS) return false;
+  }
+  if (handle == INVALID_HANDLE_VALUE) return false;
+  const int descriptor = ::_open_osfhandle(reinterpret_cast<intptr_t>(handle), _O_BINARY);
+  replacement.file = descriptor < 0 ? nullptr : ::_fdopen(descriptor, "wb");
+  if (replacement.file) return true;
+  if (descriptor < 0) {
+    ::CloseHandle(handle);
+  } else {
+    ::_close(descriptor);
+  }
+  ::DeleteFileA(replacement.temporary.c_str());
+  return false;
+}
+
+bool FinishReplacement(Replacement& replacement) {
+  bool done = std::fflush(replacement.file) == 0 && ::_commit(::_fileno(replacement.file)) == 0;
+  done = std::fclose(replacement.file) == 0 && done;
+  replacement.file = nullptr;
+  done = done && ::MoveFileExA(replacement.temporary.c_str(), replacement.target.c_str(),
+                               MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+  if (!done) ::DeleteFileA(replacement.temporary.c_str());
+  return done;
+}
+
+void AbandonReplacement(Replacement& replacement) {
+  std::fclose(replacement.file);
+  replacement.file = nullptr;
+  ::DeleteFileA(replacement.temporary.c_str());
 }
 
 std::vector<std::string> ListFiles(const std::string& folder) {

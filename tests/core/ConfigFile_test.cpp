@@ -2,7 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -58,6 +63,36 @@ std::string Written(const std::string& text, Escape escape, int* lines = nullptr
   writer.Close();
   return folder.Read("out.ocf");
 }
+
+Texts FilesIn(const TempFolder& folder) {
+  Texts names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.Path())) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+// While it lives, no file of this process grows beyond so many bytes; writes fail there.
+class SizeLimit {
+ public:
+  explicit SizeLimit(rlim_t bytes) : m_Handler(std::signal(SIGXFSZ, SIG_IGN)) {
+    ::getrlimit(RLIMIT_FSIZE, &m_Before);
+    rlimit limit = m_Before;
+    limit.rlim_cur = bytes;
+    EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+  }
+  ~SizeLimit() {
+    ::setrlimit(RLIMIT_FSIZE, &m_Before);
+    std::signal(SIGXFSZ, m_Handler);
+  }
+  SizeLimit(const SizeLimit&) = delete;
+  SizeLimit& operator=(const SizeLimit&) = delete;
+
+ private:
+  void (*m_Handler)(int);
+  rlimit m_Before = {};
+};
 
 }  // namespace
 
@@ -373,6 +408,95 @@ TEST(ConfigFileWriter, AFailedWriteIsReported) {
     ConfigFileWriter writer;
     writer.Open("/dev/full");
     writer.Write("x");
+  }
+}
+
+TEST(ConfigFileWriter, AFileIsReplacedWholeWhenItIsClosed) {
+  const TempFolder folder;
+  folder.Write("x", "old");
+  ConfigFileWriter writer;
+  writer.Open(folder.Path("x").c_str());
+  writer.Write(std::string(1 << 20, 'n'));
+  EXPECT_EQ(folder.Read("x"), "old");
+  writer.Close();
+  EXPECT_EQ(folder.Read("x"), std::string(1 << 20, 'n'));
+  EXPECT_EQ(FilesIn(folder), std::vector<std::string>{"x"}) << "nothing else stays";
+}
+
+TEST(ConfigFileWriter, AFileThatIsNotClosedStaysAsItWas) {
+  const TempFolder folder;
+  folder.Write("x", "old");
+  {
+    ConfigFileWriter writer, another;
+    writer.Open(folder.Path("x").c_str());
+    writer.Write("new");
+    another.Open(folder.Path("y").c_str());
+    another.Write("new");
+  }
+  EXPECT_EQ(folder.Read("x"), "old");
+  EXPECT_EQ(FilesIn(folder), std::vector<std::string>{"x"});
+}
+
+TEST(ConfigFileWriter, AFullDiskLeavesTheOldFile) {
+  const TempFolder folder;
+  const std::string path = folder.Write("x", "old");
+  const std::string failed = "File write failed on configuration file '" + path + "'";
+  const SizeLimit limit(100000);  // of any file, as a full disk would
+  {
+    ConfigFileWriter writer;
+    writer.Open(path.c_str());
+    EXPECT_FILE_FAILS(writer.Write(std::string(1 << 20, 'n')), 1030, failed);
+    EXPECT_FILE_FAILS(writer.Close(), 1030, failed) << "half a file is no file";
+  }
+  EXPECT_EQ(folder.Read("x"), "old");
+  {
+    // Everything fits the buffers of the stream until the end.
+    ConfigFileWriter writer;
+    writer.Open(path.c_str());
+    for (int i = 0; i < 99; ++i) writer.Write(std::string(1000, 'n'));
+    const SizeLimit smaller(50);
+    EXPECT_FILE_FAILS(writer.Close(), 1030, failed);
+  }
+  EXPECT_EQ(folder.Read("x"), "old");
+  EXPECT_EQ(FilesIn(folder), std::vector<std::string>{"x"});
+}
+
+TEST(ConfigFileWriter, LinksAndRightsOfTheOldFileStay) {
+  namespace fs = std::filesystem;
+  const TempFolder folder;
+  folder.Write("real", "old");
+  fs::permissions(folder.Path("real"), fs::perms::owner_read | fs::perms::owner_write);
+  fs::create_symlink("real", folder.Path("link"));
+  ConfigFileWriter writer;
+  writer.Open(folder.Path("link").c_str());
+  writer.Write("new");
+  writer.Close();
+  EXPECT_TRUE(fs::is_symlink(folder.Path("link")));
+  EXPECT_EQ(folder.Read("real"), "new");
+  EXPECT_EQ(fs::status(folder.Path("real")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST(ConfigFileWriter, AFileWithoutAnOldOneGetsTheUsualRights) {
+  const TempFolder folder;
+  const mode_t before = ::umask(027);
+  ConfigFileWriter writer;
+  writer.Open(folder.Path("x").c_str());
+  ::umask(before);
+  writer.Close();
+  EXPECT_EQ(static_cast<int>(std::filesystem::status(folder.Path("x")).permissions()), 0640);
+}
+
+TEST(ConfigFileWriter, AFolderThatTakesNoFilesIsReported) {
+  const TempFolder folder;
+  const std::string path = folder.Write("x", "old");
+  std::filesystem::permissions(folder.Path(),
+                               std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+  ConfigFileWriter writer;
+  const bool opened = writer.TryOpen(path.c_str());
+  std::filesystem::permissions(folder.Path(), std::filesystem::perms::owner_all);
+  EXPECT_EQ(opened, ::geteuid() == 0) << "the administrator may write anywhere";
+  if (!opened) {
+    EXPECT_EQ(folder.Read("x"), "old");
   }
 }
 
