@@ -277,6 +277,7 @@ bool DatumList::Load(const char* file, bool reportErrors) {
   if (!internal::OpenListFile(reader, kFile, file ? name.c_str() : nullptr, reportErrors, ORV_SITE)) {
     return false;
   }
+  const Core::Batch batch(m_pImpl->core);
   DatumDef entry;
   bool geogcs = false;
   return internal::ReadEntries(

@@ -206,6 +206,7 @@ bool EllipsoidList::Load(const char* fileName, bool bThrowIfFileMissing) {
   const auto complain = [&reader](const char* message) {
     return ORV_FAIL(ErrSyntax, message, reader.FileName(), reader.Line());
   };
+  const Core::Batch batch(m_pImpl->core);
   EllipsoidDef entry;
   return internal::ReadEntries(
       reader, internal::kEntryTexts, ORV_SITE, [&entry] { entry.Flush(); },

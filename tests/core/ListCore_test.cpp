@@ -274,6 +274,57 @@ TEST(ListCore, AgreesWithAPlainVectorUnderAnyChanges) {
   }
 }
 
+TEST(ListCore, FindsAreRightDuringABatchAndIndexesSortedBehindIt) {
+  for (unsigned seed = 1; seed <= 30; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    const std::vector<std::string> asked = {"Alpha", "ALPHA", "alpha_", "Beta", "b", "\xC4rger", "A"};
+    std::vector<std::string> names = asked;
+    names.emplace_back();  // things without a name are held, and not asked for
+    Things list, oneByOne;
+    std::vector<Thing> model;
+    for (int round = 0; round < 3; ++round) {
+      const Things::Batch batch(list);
+      for (int step = 0; step < 20; ++step) {
+        const Thing thing(names[random() % names.size()], static_cast<int>(random() % 9), step);
+        list.Append(thing);
+        oneByOne.Append(thing);
+        model.push_back(thing);
+        ExpectSameFinds(list, model, asked, 8);
+        EXPECT_EQ(list.Clash(thing) != nullptr, oneByOne.Clash(thing) != nullptr);
+      }
+      if (round == 1) {  // brings the indexes up to date in the middle of a batch
+        list.Remove(5);
+        oneByOne.Remove(5);
+        model.erase(model.begin() + 3);
+        list.Append(model[0]);
+        oneByOne.Append(model[0]);
+        model.push_back(Thing(model[0]));
+        ExpectSameFinds(list, model, asked, 8);
+      }
+    }
+    ExpectSame(list, model);
+    // Equal keys stand in the order in which they came.
+    EXPECT_EQ(list.IndexOf<NameKey>().Slots(), oneByOne.IndexOf<NameKey>().Slots());
+    EXPECT_EQ(list.IndexOf<POSCKey>().Slots(), oneByOne.IndexOf<POSCKey>().Slots());
+    if (HasFailure()) return;
+  }
+}
+
+TEST(ListCore, ClearingDuringABatchForgetsWhatItAdded) {
+  Things things;
+  {
+    const Things::Batch batch(things);
+    things.Append(Thing("a", 1));
+    things.Clear();
+    EXPECT_EQ(FindName(things, "a"), 0);
+    things.Append(Thing("b", 2));
+    EXPECT_EQ(FindName(things, "B"), 2);
+  }
+  EXPECT_EQ(FindName(things, "a"), 0);
+  EXPECT_EQ(FindName(things, "b"), 2);
+}
+
 TEST(ListCore, DumpsOfIndexesHaveOneLineForEachSlot) {
   Things things;
   things.Append(Thing("Beta", 7));

@@ -31,6 +31,9 @@ TEST(Text, OnlyLettersOfAsciiAreFolded) {
 
 TEST(Text, ComparisonsIgnoreCase) {
   EXPECT_EQ(CompareIgnoringCase("Feet", "fEET"), 0);
+  EXPECT_EQ(HashIgnoringCase("Feet"), HashIgnoringCase("fEET"));
+  EXPECT_EQ(HashIgnoringCase(nullptr), HashIgnoringCase(""));
+  EXPECT_NE(HashIgnoringCase("foot"), HashIgnoringCase("feet"));
   EXPECT_TRUE(EqualIgnoringCase("WGS84", "wgs84"));
   EXPECT_FALSE(EqualIgnoringCase("WGS84", "WGS 84"));
   EXPECT_TRUE(EqualIgnoringCase(std::string("NONE"), "none"));

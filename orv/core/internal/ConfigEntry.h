@@ -15,6 +15,7 @@
 // their value.
 #pragma once
 
+#include <cstring>
 #include <string>
 
 #include "orv/core/ConfigFile.h"
@@ -158,7 +159,7 @@ class KeyReader {
 
  private:
   bool Takes(const char* key) {
-    if (m_Taken || !EqualIgnoringCase(m_Key, key)) return false;
+    if (m_Taken || m_Key.size() != std::strlen(key) || !EqualIgnoringCase(m_Key, key)) return false;
     m_Taken = true;
     return true;
   }

@@ -10,14 +10,17 @@
 //       static const UniqueRule<ListCore<EllipsoidTraits>> kUnique[3];  // the first broken rule wins
 //     };
 //
-// A key is a struct with `static K Of(const Info&)` and `static int Compare(K, K)` (negative, 0 or positive).
+// A key is a struct with `static K Of(const Info&)`, `static int Compare(K, K)` (negative, 0 or positive) and
+// `static size_t Hash(K)` (the same for equal keys).
 // The header of each list says which finds use an index and which scan.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -31,7 +34,10 @@ class KeyIndex {
  public:
   const std::vector<uint32_t>& Slots() const { return m_Slots; }
   size_t Size() const { return m_Slots.size(); }
-  void Clear() { m_Slots.clear(); }
+  void Clear() {
+    m_Slots.clear();
+    m_Pending.clear();
+  }
 
   /// Inserts a position behind its equals.  less(a, b) orders positions by their keys.
   template <class Less>
@@ -47,6 +53,24 @@ class KeyIndex {
       }
     }
     m_Slots.insert(m_Slots.begin() + static_cast<std::ptrdiff_t>(low), position);
+  }
+  /// Notes a position that Settle is to sort in, under the hash of its key.
+  void Postpone(uint32_t position, size_t hash) { m_Pending.emplace(hash, position); }
+  /// Calls matches(position) for the postponed positions of that hash, until it gives true.
+  template <class Matches>
+  bool FindPostponed(size_t hash, Matches matches) const {
+    const auto range = m_Pending.equal_range(hash);
+    return std::any_of(range.first, range.second, [&](const auto& entry) { return matches(entry.second); });
+  }
+  /// Sorts in, behind their equals, the positions from the present size up to `count`, all of them postponed.
+  template <class Less>
+  void Settle(size_t count, Less less) {
+    const auto old = static_cast<std::ptrdiff_t>(m_Slots.size());
+    m_Slots.reserve(count);
+    while (m_Slots.size() < count) m_Slots.push_back(static_cast<uint32_t>(m_Slots.size()));
+    std::stable_sort(m_Slots.begin() + old, m_Slots.end(), less);
+    std::inplace_merge(m_Slots.begin(), m_Slots.begin() + old, m_Slots.end(), less);
+    m_Pending.clear();
   }
   /// Takes a position out; the others stay.
   void Erase(uint32_t position) {
@@ -66,6 +90,7 @@ class KeyIndex {
 
  private:
   std::vector<uint32_t> m_Slots;
+  std::unordered_multimap<size_t, uint32_t> m_Pending;  // positions not yet among the slots, by hash of key
 };
 
 /// A rule that entries of a library-wide list keep: `broken` tells whether `info` breaks it against the
@@ -109,14 +134,28 @@ class ListCore {
     return kNone;
   }
 
-  /// Index of an entry with that key, or kNone.  A binary search of the key's index when it is complete,
-  /// which may meet any of several equal entries; else a scan from the front.
+  /// While it lives, Append only notes what it adds; its end sorts the indexes once.  Finds are right
+  /// meanwhile.
+  class Batch {
+   public:
+    explicit Batch(ListCore& core) : m_Core(core) { m_Core.m_bBatch = true; }
+    ~Batch() {
+      m_Core.Settle();
+      m_Core.m_bBatch = false;
+    }
+    Batch(const Batch&) = delete;
+    Batch& operator=(const Batch&) = delete;
+
+   private:
+    ListCore& m_Core;
+  };
+
+  /// Index of an entry with that key, or kNone; of several equal ones it may meet any.  A binary search of
+  /// the key's index and, during a batch, a look at the hashes of what it added.
   template <class Key, class K>
   int FindByKey(const K& key) const {
-    const std::vector<uint32_t>& slots = IndexOf<Key>().Slots();
-    if (slots.size() != m_Entries.size()) {
-      return Find([&key](const Info& info) { return Key::Compare(key, Key::Of(info)) == 0; });
-    }
+    const KeyIndex& index = IndexOf<Key>();
+    const std::vector<uint32_t>& slots = index.Slots();
     size_t low = 0;
     size_t high = slots.size();
     while (low < high) {
@@ -129,7 +168,15 @@ class ListCore {
         high = middle;
       }
     }
-    return kNone;
+    int found = kNone;
+    if (slots.size() != m_Entries.size()) {
+      index.FindPostponed(Key::Hash(key), [&](uint32_t position) {
+        if (Key::Compare(key, Key::Of(m_Entries[position])) != 0) return false;
+        found = static_cast<int>(position) + kFirst;
+        return true;
+      });
+    }
+    return found;
   }
 
   /// Whether an entry other than the one at `except` has that key.
@@ -154,18 +201,20 @@ class ListCore {
   /// Appends an entry and gives its index.
   int Append(Info info) {
     m_Entries.push_back(std::move(info));
-    InsertIntoIndexes(static_cast<uint32_t>(m_Entries.size() - 1));
+    IntoIndexes(static_cast<uint32_t>(m_Entries.size() - 1));
     return Last();
   }
   /// Overwrites the entry at an index that the list holds.
   void Replace(int index, Info info) {
+    Settle();
     const auto position = static_cast<uint32_t>(index - kFirst);
     for (KeyIndex& keys : m_Indexes) keys.Erase(position);
     m_Entries[position] = std::move(info);
-    InsertIntoIndexes(position);
+    InsertIntoIndexes(position, kAllKeys);
   }
   /// Takes out the entry at an index that the list holds; later ones move down by one.
   void Remove(int index) {
+    Settle();
     const auto position = static_cast<uint32_t>(index - kFirst);
     for (KeyIndex& keys : m_Indexes) {
       keys.Erase(position);
@@ -181,10 +230,12 @@ class ListCore {
   /// The index of a key, for dumps.
   template <class Key>
   const KeyIndex& IndexOf() const {
-    return m_Indexes[NumberOf<Key>(std::make_index_sequence<std::tuple_size_v<Keys>>())];
+    return m_Indexes[NumberOf<Key>(kAllKeys)];
   }
 
  private:
+  static constexpr auto kAllKeys = std::make_index_sequence<std::tuple_size_v<Keys>>();
+
   template <class Key, size_t... I>
   static constexpr size_t NumberOf(std::index_sequence<I...>) {
     static_assert((std::is_same_v<Key, std::tuple_element_t<I, Keys>> || ...), "the list has no such key");
@@ -193,8 +244,26 @@ class ListCore {
     return number;
   }
 
-  void InsertIntoIndexes(uint32_t position) {
-    InsertIntoIndexes(position, std::make_index_sequence<std::tuple_size_v<Keys>>());
+  void IntoIndexes(uint32_t position) {
+    if (m_bBatch) {
+      Postpone(position, kAllKeys);
+    } else {
+      InsertIntoIndexes(position, kAllKeys);
+    }
+  }
+  template <size_t... I>
+  void Postpone([[maybe_unused]] uint32_t position, std::index_sequence<I...>) {
+    (m_Indexes[I].Postpone(position, std::tuple_element_t<I, Keys>::Hash(
+                                         std::tuple_element_t<I, Keys>::Of(m_Entries[position]))),
+     ...);
+  }
+  /// Brings the indexes up to date.
+  void Settle() {
+    if (m_bBatch) Settle(kAllKeys);
+  }
+  template <size_t... I>
+  void Settle(std::index_sequence<I...>) {
+    (m_Indexes[I].Settle(m_Entries.size(), LessBy<std::tuple_element_t<I, Keys>>()), ...);
   }
   template <size_t... I>
   void InsertIntoIndexes([[maybe_unused]] uint32_t position, std::index_sequence<I...>) {
@@ -202,13 +271,19 @@ class ListCore {
   }
   template <class Key>
   void InsertInto(KeyIndex& keys, uint32_t position) {
-    keys.Insert(position, [this](uint32_t a, uint32_t b) {
+    keys.Insert(position, LessBy<Key>());
+  }
+  /// The order of positions by a key.
+  template <class Key>
+  auto LessBy() const {
+    return [this](uint32_t a, uint32_t b) {
       return Key::Compare(Key::Of(m_Entries[a]), Key::Of(m_Entries[b])) < 0;
-    });
+    };
   }
 
   std::vector<Info> m_Entries;
   std::array<KeyIndex, std::tuple_size_v<Keys>> m_Indexes;
+  bool m_bBatch = false;
 };
 
 }  // namespace orv::internal

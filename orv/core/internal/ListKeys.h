@@ -12,6 +12,7 @@ template <class Info, const char* (Info::*Get)() const>
 struct TextKey {
   static const char* Of(const Info& info) { return EmptyIfNull((info.*Get)()); }
   static int Compare(const char* a, const char* b) { return CompareIgnoringCase(a, b); }
+  static size_t Hash(const char* text) { return HashIgnoringCase(text); }
 };
 
 /// A number of an entry.
@@ -19,6 +20,7 @@ template <class Info, int (Info::*Get)() const>
 struct NumberKey {
   static int Of(const Info& info) { return (info.*Get)(); }
   static int Compare(int a, int b) { return a > b ? 1 : a < b ? -1 : 0; }
+  static size_t Hash(int number) { return static_cast<size_t>(number); }
 };
 
 /// Unique rules: a text that is not empty, or a number that is not 0, must not be taken by another entry.

@@ -1,5 +1,7 @@
 #include "orv/core/internal/Text.h"
 
+#include <cstdint>
+
 #include "orv/core/Platform.h"
 
 namespace orv::internal {
@@ -14,6 +16,12 @@ int CompareIgnoringCase(const char* a, const char* b) {
   const unsigned char left = FoldCase(*a);
   const unsigned char right = FoldCase(*b);
   return left < right ? -1 : left > right ? 1 : 0;
+}
+
+size_t HashIgnoringCase(const char* text) {
+  uint64_t hash = 14695981039346656037u;  // FNV-1a, 64 bits
+  for (text = EmptyIfNull(text); *text != '\0'; ++text) hash = (hash ^ FoldCase(*text)) * 1099511628211u;
+  return static_cast<size_t>(hash);
 }
 
 std::string FormatV(const char* format, std::va_list args) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdarg>
+#include <cstddef>
 #include <string>
 
 namespace orv::internal {
@@ -15,6 +16,9 @@ constexpr unsigned char FoldCase(char c) {
 /// -1, 0 or 1: the order of two texts without regard to case, byte by byte as unsigned after folding to lower
 /// case (so "_" sorts before letters).  A null text counts as empty.
 int CompareIgnoringCase(const char* a, const char* b);
+
+/// A number that texts share which are equal without regard to case.  A null text counts as empty.
+size_t HashIgnoringCase(const char* text);
 
 inline bool EqualIgnoringCase(const char* a, const char* b) { return CompareIgnoringCase(a, b) == 0; }
 inline bool EqualIgnoringCase(const std::string& a, const char* b) { return EqualIgnoringCase(a.c_str(), b); }
