@@ -62,25 +62,30 @@ double GetRadius(const EllipsoidDef& ellipsoid) { return ellipsoid.GetMajorRadiu
 void SetRadius(EllipsoidDef& ellipsoid, double radius) { ellipsoid.SetMajorRadius(radius); }
 double GetFlattening(const EllipsoidDef& ellipsoid) { return ellipsoid.GetFlattening(); }
 void SetFlattening(EllipsoidDef& ellipsoid, double flattening) { ellipsoid.SetFlattening(flattening); }
+bool SetToken(EllipsoidDef& ellipsoid, const std::string& token) {
+  ellipsoid.SetToken(token.c_str());
+  return true;
+}
+bool SetName(EllipsoidDef& ellipsoid, const std::string& name) {
+  ellipsoid.SetName(name.c_str());
+  return true;
+}
+
+/// What only a writer asks for is not computed for a reader, which walks all keys for each pair of an entry.
+template <class Walker>
+constexpr bool kWriting = std::is_same_v<Walker, KeyWriter>;
 
 /// An ellipsoid without radius is not written: the reader would refuse it.
 template <class Walker>
 void WalkEllipsoid(Walker& w, EllipsoidDef& ellipsoid, const EllipsoidKeys& keys, bool write) {
-  constexpr bool kWriting = std::is_same_v<Walker, KeyWriter>;
-  write = write && ellipsoid.GetMajorRadius() > 0.0;
-  const bool known = kWriting && write && IsKnown(ellipsoid);
+  write = kWriting<Walker> && write && ellipsoid.GetMajorRadius() > 0.0;
+  const bool known = write && IsKnown(ellipsoid);
   const bool isInline = write && !known;
-  std::string token = EmptyIfNull(ellipsoid.GetToken());
-  std::string name = EmptyIfNull(ellipsoid.GetName());
+  const std::string token = write ? EmptyIfNull(ellipsoid.GetToken()) : "";
+  const std::string name = write ? EmptyIfNull(ellipsoid.GetName()) : "";
   w.Reference(keys.reference, token, ellipsoid, &FindEllipsoid, kUnknownEllipsoid, known);
-  if (!kWriting) {  // what was found may have brought texts of its own
-    token = EmptyIfNull(ellipsoid.GetToken());
-    name = EmptyIfNull(ellipsoid.GetName());
-  }
-  w.Text(keys.token, token, isInline && !token.empty());
-  w.Text(keys.name, name, isInline && !name.empty());
-  ellipsoid.SetToken(token.c_str());
-  ellipsoid.SetName(name.c_str());
+  w.Reference(keys.token, token, ellipsoid, &SetToken, "", isInline && !token.empty());
+  w.Reference(keys.name, name, ellipsoid, &SetName, "", isInline && !name.empty());
   w.Derived(keys.radius, "%.4f", ellipsoid, &GetRadius, &SetRadius, isInline);
   w.Derived(keys.flat, "%.19f", ellipsoid, &GetFlattening, &SetFlattening, isInline);
 }
@@ -166,13 +171,15 @@ bool SetMREType(DatumDraft& d, const std::string& name) {
 template <class Walker>
 void WalkDatum(Walker& w, DatumDraft& d, bool known) {
   DatumParameters& p = d.p;
-  const auto uses = [&](DatumParameterID id) { return !known && DatumDef::UsesParameter(p.method, id); };
+  const auto uses = [&](DatumParameterID id) {
+    return kWriting<Walker> && !known && DatumDef::UsesParameter(p.method, id);
+  };
   // A name that is written must be one that can be read.
   const auto named = [known](int number, const char* name) { return !known && number != 0 && name; };
-  const char* const method = DatumDef::MethodToName(p.method);
-  const char* const target = DatumDef::TargetToName(p.target);
-  const char* const mreType = DatumDef::MRETypeToName(p.mreType);
-  const char* const special = DatumDef::TargetToName(d.special);
+  const char* const method = kWriting<Walker> ? DatumDef::MethodToName(p.method) : nullptr;
+  const char* const target = kWriting<Walker> ? DatumDef::TargetToName(p.target) : nullptr;
+  const char* const mreType = kWriting<Walker> ? DatumDef::MRETypeToName(p.mreType) : nullptr;
+  const char* const special = kWriting<Walker> ? DatumDef::TargetToName(d.special) : nullptr;
 
   w.Reference("datum", d.token, d, &FindDatum, "%s(%d):  Unknown datum '%s'\n", known);
   w.Text("datum_token", d.token, !known && !d.token.empty());
@@ -213,13 +220,15 @@ bool SetAngle(double& angle, const std::string& text) {
 
 template <class Walker>
 void Angle(Walker& w, const char* key, double& angle, bool write) {
-  if (std::is_same_v<Walker, KeyReader> || write) w.Parsed(key, kParameter, angle, angle, &SetAngle, "");
+  if (!kWriting<Walker> || write) w.Parsed(key, kParameter, angle, angle, &SetAngle, "");
 }
 
 template <class Walker>
 void WalkProjection(Walker& w, ProjectionParameters& p) {
-  const bool known = !ProjectionDef(p).IsUnknown(false);
-  const auto uses = [&](ProjectionParameterID id) { return ProjectionDef::UsesParameter(p.method, id); };
+  const bool known = kWriting<Walker> && !ProjectionDef(p).IsUnknown(false);
+  const auto uses = [&](ProjectionParameterID id) {
+    return kWriting<Walker> && ProjectionDef::UsesParameter(p.method, id);
+  };
   w.Reference("projtype", known ? ProjectionDef::MethodToName(p.method) : "", p, &SetProjectionMethod,
               kUnknownProjection, known);
   w.Reference("projmethod", "", p, &SetProjectionMethod, kUnknownProjection, false);

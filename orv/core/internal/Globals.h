@@ -28,6 +28,9 @@ struct ORVGlobals {
   uint32_t totalLoadTime = 0;
   uint32_t referenceCount = 0;  ///< ORVInitialize calls not yet matched by ORVShutdown
   bool active = false;          ///< the last full load succeeded
+
+  void (*traceCallback)(const char* line, void* context) = nullptr;  ///< null: trace lines go nowhere
+  void* traceContext = nullptr;
 };
 
 /// The state of the process.
