@@ -13,13 +13,14 @@
 #include <string>
 #include <vector>
 
+#include "orv/core/Export.h"
 #include "orv/core/Platform.h"
 
 namespace orv {
 
 /// Splits a file into tokens.  Every read character is a byte; no character is special beyond those named
 /// above.
-class ConfigFileReader {
+class ORV_API ConfigFileReader {
  public:
   /// @param unescape  undo backslash escapes in unquoted tokens.  No file of this library turns it on.
   explicit ConfigFileReader(bool unescape = false);

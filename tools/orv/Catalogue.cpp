@@ -2,58 +2,59 @@
 
 #include <fmt/core.h>
 
+#include "orv/core/Startup.h"
 #include "orv/datum/DatumList.h"
+#include "orv/system/CSList.h"
 #include "orv/tables/EllipsoidList.h"
 #include "tools/orv/Command.h"
 #include "tools/orv/NumberText.h"
 
 namespace orv::tool {
 
-namespace {
-
-/// The number behind "EPSG:", or 0.
-int EpsgCode(const std::string& text) {
-  int code = 0;
-  return EqualFold(text.substr(0, 5), "EPSG:") && ParseInteger(text.substr(5), code) ? code : 0;
-}
-
-template <class List>
-std::string Tokens(const List& list) {
-  std::string tokens;
-  for (int i = list.First(); i <= list.Last(); ++i) {
-    if (!tokens.empty()) tokens += ", ";
-    tokens += list.EnumToken(i);
-  }
-  return tokens;
-}
-
-}  // namespace
-
 void LoadCatalogue() {
   static const bool loaded = [] {
-    ORVKnownEllipsoidsList.Load(nullptr, true);
-    ORVKnownDatumsList.Load(nullptr, true);
+    ORVInitialize(nullptr, true);
     return true;
   }();
   (void)loaded;
 }
 
-const EllipsoidDef& KnownEllipsoid(const std::string& text) {
-  const EllipsoidList& list = ORVKnownEllipsoidsList;
-  int index = list.FindByToken(text.c_str(), nullptr);
-  if (index == 0) index = list.FindByName(text.c_str(), nullptr);
-  if (index == 0) index = list.FindByPOSCNumber(EpsgCode(text));
-  if (index == 0) throw UsageError(fmt::format("unknown ellipsoid '{}' (known: {})", text, Tokens(list)));
-  return *list.Enum(index);
+std::string UnknownText(KnownList list, const std::string& what, const std::string& text) {
+  std::string nearest;
+  for (const KnownEntry& entry : ORVNearestKnown(list, text, 3)) {
+    nearest +=
+        fmt::format("{}{} ({})", nearest.empty() ? "; nearest: " : ", ", entry.token, entry.ShortName());
+  }
+  return fmt::format("unknown {} '{}'{}", what, Excerpt(text), nearest);
+}
+
+namespace {
+
+int Find(KnownList list, const char* what, const std::string& text) {
+  const int index = ORVFindKnown(list, text);
+  if (index == 0) throw UsageError(UnknownText(list, what, text));
+  return index;
+}
+
+}  // namespace
+
+const CSDef& KnownSystem(const std::string& text) {
+  return *ORVKnownSystemsList.Enum(Find(KnownListSystems, "system", text));
 }
 
 const DatumDef& KnownDatum(const std::string& text) {
-  const DatumList& list = ORVKnownDatumsList;
-  int index = list.FindByToken(text.c_str(), nullptr);
-  if (index == 0) index = list.FindByName(text.c_str(), nullptr);
-  if (index == 0) index = list.FindByPOSCNumber(EpsgCode(text), nullptr, 0);
-  if (index == 0) throw UsageError(fmt::format("unknown datum '{}' (known: {})", text, Tokens(list)));
-  return *list.Enum(index);
+  return *ORVKnownDatumsList.Enum(Find(KnownListDatums, "datum", text));
+}
+
+const EllipsoidDef& KnownEllipsoid(const std::string& text) {
+  return *ORVKnownEllipsoidsList.Enum(Find(KnownListEllipsoids, "ellipsoid", text));
+}
+
+std::string NoticeFor(const std::string& token) {
+  const std::string authority = token.substr(0, token.find(':'));
+  if (!EqualFold(authority, "EPSG") && !EqualFold(authority, "ORV")) return "";
+  return "Values derived from the EPSG Geodetic Parameter Dataset, owned by IOGP, used under the EPSG Terms of Use "
+         "(https://epsg.org/terms-of-use.html); without warranty.";
 }
 
 }  // namespace orv::tool

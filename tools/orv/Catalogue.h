@@ -1,22 +1,32 @@
-// Catalogue.h: the known ellipsoids and datums of the command line.
+// Catalogue.h: the known systems, datums and ellipsoids of the command line.
 #pragma once
 
 #include <string>
 
+#include "orv/convert/KnownSearch.h"
+
 namespace orv {
+class CSDef;
 class DatumDef;
 class EllipsoidDef;
 }  // namespace orv
 
 namespace orv::tool {
 
-/// Loads ellipsoid.ocf and datum.ocf, found by the configuration search, into the library's known lists; once
-/// in a process.  A file that is missing or does not load raises shr::Exception.
+/// Loads the seven configuration files, found by the configuration search, into the library's known lists;
+/// once in a process.  A file that is missing or does not load raises shr::Exception.
 void LoadCatalogue();
 
-/// The known ellipsoid or datum with that token, name or "EPSG:" and code, without regard to case.  An
-/// unknown one raises UsageError with the tokens that are known.  Both need LoadCatalogue.
-const EllipsoidDef& KnownEllipsoid(const std::string& text);
+/// The known system, datum or ellipsoid that a text names, see ORVFindKnown.  An unknown one raises UsageError
+/// with the nearest names.  All need LoadCatalogue.
+const CSDef& KnownSystem(const std::string& text);
 const DatumDef& KnownDatum(const std::string& text);
+const EllipsoidDef& KnownEllipsoid(const std::string& text);
+
+/// "unknown system 'x' (nearest: A, B, C)".
+std::string UnknownText(KnownList list, const std::string& what, const std::string& text);
+
+/// What has to be told with values of the shipped catalogue; "" for entries that are not from it.
+std::string NoticeFor(const std::string& token);
 
 }  // namespace orv::tool

@@ -36,5 +36,9 @@ void Report(const std::string& text);
 void AddConvertCommand(CLI::App& app, int& status);
 void AddLatLonCommand(CLI::App& app, int& status);
 void AddDefCommand(CLI::App& app, int& status);
+void AddListCommand(CLI::App& app, int& status);
+void AddInfoCommand(CLI::App& app, int& status);
+void AddRouteCommand(CLI::App& app, int& status);
+void AddCheckCommand(CLI::App& app, int& status);
 
 }  // namespace orv::tool

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <limits>
 #include <map>
 #include <optional>
@@ -22,14 +23,15 @@
 namespace orv::tool {
 
 const char* const kSystemArgumentHelp =
-    "DEF is encoded text (it begins with \"<\"), parameters (they hold a \"=\"), or else the name of a file with either:\n"
+    "A system is the token, name, short name or code of a known one (EPSG:32633, 32633, \"WGS 84 / UTM zone 33N\"), or\n"
+    "encoded text (it begins with \"<\"), parameters (they hold a \"=\"), or else the name of a file with either of these:\n"
     "  key=value,key=value,...   (in a file also one on each line; a value with a comma stands in double quotes)\n"
     "Keys:\n"
     "  method                    projection method, long or short name; geographic when not given\n"
     "  Scale xOrg yOrg Lon0 Lon1 Lon2 Lat0 Lat1 Lat2 K0 bSouth bUseAlpha Alpha bRotate bUOffset\n"
     "                            what the method has of these; not given: 0, false, Scale 1, K0 1 (UTM: 0.9996)\n"
     "  ellipsoid, or a and f or rf   a known one, or radius and (inverse) flattening; not given: the datum's\n"
-    "  datum                     a known datum: WGS84 NAD83 DHDN OSGB36 ED50 Pulkovo1942\n"
+    "  datum                     a known datum, also by the name of a geographic system: WGS84, DHDN, EPSG:6314\n"
     "  datum.method datum.target datum.dx datum.dy datum.dz datum.rx datum.ry datum.rz datum.K datum.PMShift\n"
     "  datum.Equation datum.NadconPrvi datum.ellipsoid, or datum.a and datum.f or datum.rf\n"
     "                            a datum of your own; shifts in metres, rotations in arc-seconds, K in ppm\n"
@@ -331,9 +333,7 @@ constexpr size_t kLargestFile = size_t{1} << 20;
 std::string ContentOf(const std::string& file) {
   std::FILE* const stream = std::fopen(file.c_str(), "rb");
   if (!stream) {
-    throw UsageError(
-        fmt::format("cannot open '{}': {} (a definition is a file, or parameters: key=value,...)", file,
-                    std::strerror(errno)));
+    throw UsageError(fmt::format("cannot open '{}': {}", file, std::strerror(errno)));
   }
   std::string content(kLargestFile + 1, '\0');
   content.resize(std::fread(content.data(), 1, content.size(), stream));
@@ -358,6 +358,11 @@ std::unique_ptr<CSDef> SystemFromContent(const std::string& text) {
 std::unique_ptr<CSDef> ReadSystem(const std::string& text) {
   if (text.empty()) throw UsageError("the definition is empty");
   if (text[0] == '<' || text.find('=') != std::string::npos) return SystemFromContent(text);
+  LoadCatalogue();
+  if (ORVFindKnown(KnownListSystems, text) != 0) return std::unique_ptr<CSDef>(KnownSystem(text).Clone());
+  if (!std::filesystem::exists(text)) {
+    throw UsageError(UnknownText(KnownListSystems, "system", text) + "; and there is no such file");
+  }
   const std::string content = ContentOf(text);
   try {
     return SystemFromContent(content);

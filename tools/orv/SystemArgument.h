@@ -11,10 +11,10 @@ namespace orv::tool {
 /// The grammar below, for --help.
 extern const char* const kSystemArgumentHelp;
 
-/// Reads DEF:
+/// Reads SYSTEM:
 ///
-///   DEF         encoded text (it begins with "<"), parameters (they hold a "="), or else the name of a file
-///               with either of these
+///   SYSTEM      encoded text (it begins with "<"); or parameters (they hold a "="); or else what names a
+///               known system, see ORVFindKnown; or else the name of a file with encoded text or parameters
 ///   parameters  item { ("," | line end) item };  an empty item counts for nothing
 ///   item        key "=" value;  blanks around both are dropped
 ///   value       text up to the next "," or line end, or text in double quotes, in which "" is a quote

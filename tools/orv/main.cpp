@@ -39,7 +39,7 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", "orv " ORV_VERSION);
   app.add_option_function<std::string>(
          "--config", [](const std::string& folder) { orv::ORVSetConfigPath(folder.c_str()); },
-         "Folder that is searched first for ellipsoid.ocf and datum.ocf")
+         "Folder that is searched first for configuration files")
       ->type_name("FOLDER")
       ->trigger_on_parse();
   app.require_subcommand(1);
@@ -51,7 +51,11 @@ int main(int argc, char** argv) {
       "2 the arguments, a definition or a file cannot be used.");
   AddConvertCommand(app, status);
   AddLatLonCommand(app, status);
+  AddListCommand(app, status);
+  AddInfoCommand(app, status);
+  AddRouteCommand(app, status);
   AddDefCommand(app, status);
+  AddCheckCommand(app, status);
 
   try {
     app.parse(argc, argv);

@@ -1,0 +1,253 @@
+// orv check: a configuration file, entry by entry.
+#include <fmt/core.h>
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "orv/core/ConfigFile.h"
+#include "orv/core/ORVGlobals.h"
+#include "orv/datum/DatumList.h"
+#include "orv/shared/Exception.h"
+#include "orv/system/CSList.h"
+#include "orv/tables/AngularUnits.h"
+#include "orv/tables/EllipsoidList.h"
+#include "orv/tables/LinearUnits.h"
+#include "orv/tables/Meridians.h"
+#include "tools/orv/Command.h"
+
+namespace orv::tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct CheckOptions {
+  std::string file;
+  std::string as;
+};
+
+/// A kind of configuration file: what loads it, and how many entries that has taken.
+struct FileKind {
+  const char* name;
+  void (*load)(const char* path);
+  int (*count)();
+  int needs;  ///< lists that its entries look up: 0 none, 1 ellipsoids, 2 ellipsoids and datums
+};
+
+template <auto* list>
+void Load(const char* path) {
+  list->Load(path, true);
+}
+template <auto* list>
+int Count() {
+  return list->Count();
+}
+
+const FileKind kKinds[] = {
+    {"meridian", Load<&ORVKnownMeridiansList>, Count<&ORVKnownMeridiansList>, 0},
+    {"angularunit", Load<&ORVKnownAngularUnitsList>, Count<&ORVKnownAngularUnitsList>, 0},
+    {"linearunit", Load<&ORVKnownLinearUnitsList>, Count<&ORVKnownLinearUnitsList>, 0},
+    {"ellipsoid", Load<&ORVKnownEllipsoidsList>, Count<&ORVKnownEllipsoidsList>, 0},
+    {"datum", Load<&ORVKnownDatumsList>, Count<&ORVKnownDatumsList>, 1},
+    {"system", Load<&ORVKnownSystemsList>, Count<&ORVKnownSystemsList>, 2},
+};
+constexpr const char* kSettings = "orvmisc";
+
+/// The text of a file, and the same with entries left out, line for line.
+class Source {
+ public:
+  explicit Source(const std::string& path) {
+    std::FILE* const file = std::fopen(path.c_str(), "rb");
+    if (!file) throw UsageError(fmt::format("cannot open '{}': {}", path, std::strerror(errno)));
+    char block[1 << 16];
+    for (size_t size; (size = std::fread(block, 1, sizeof block, file)) > 0;) m_Text.append(block, size);
+    const bool failed = std::ferror(file) != 0;
+    std::fclose(file);
+    if (failed) throw UsageError(fmt::format("cannot read '{}'", path));
+    FindEntries();
+  }
+
+  size_t Entries() const { return m_Entries.size(); }
+  /// Line of the brace with which the n-th entry left begins; 0 when there are not so many.
+  int LineOf(size_t n) const { return n < m_Entries.size() ? m_Entries[n].line : 0; }
+  /// Leaves out the n-th entry left; lines stay where they are.
+  void LeaveOut(size_t n) {
+    for (size_t at = m_Entries[n].begin; at < m_Entries[n].end; ++at) {
+      if (m_Text[at] != '\n') m_Text[at] = ' ';
+    }
+    m_Entries.erase(m_Entries.begin() + static_cast<std::ptrdiff_t>(n));
+  }
+  const std::string& Text() const { return m_Text; }
+
+ private:
+  struct Entry {
+    size_t begin, end;
+    int line;
+  };
+
+  /// From each brace to its partner, as the reader of these files sees them: not within quotes or comments.
+  void FindEntries() {
+    int line = 1;
+    char quote = '\0';
+    bool comment = false, open = false;
+    Entry entry{};
+    for (size_t at = 0; at < m_Text.size(); ++at) {
+      const char c = m_Text[at];
+      if (c == '\n') {
+        ++line;
+        comment = false;
+        quote = '\0';
+      } else if (comment) {
+        continue;
+      } else if (quote != '\0') {
+        if (c == quote) quote = '\0';
+      } else if (c == '"' || c == '\'') {
+        quote = c;
+      } else if (c == ';') {
+        comment = true;
+      } else if (c == '{' && !open) {
+        open = true;
+        entry = {at, at, line};
+      } else if (c == '}' && open) {
+        open = false;
+        entry.end = at + 1;
+        m_Entries.push_back(entry);
+      }
+    }
+  }
+
+  std::string m_Text;
+  std::vector<Entry> m_Entries;
+};
+
+/// A file beside the system's other temporary ones, removed at the end.
+class Scratch {
+ public:
+  explicit Scratch(const std::string& name)
+      : m_Folder(fs::temp_directory_path() /
+                 fmt::format("orv-check-{:x}", reinterpret_cast<uintptr_t>(this))) {
+    fs::create_directory(m_Folder);
+    m_Path = (m_Folder / name).string();
+  }
+  ~Scratch() {
+    std::error_code ignored;
+    fs::remove_all(m_Folder, ignored);
+  }
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+
+  const std::string& Path() const { return m_Path; }
+  void Write(const std::string& text) const {
+    std::FILE* const file = std::fopen(m_Path.c_str(), "wb");
+    const bool written = file && std::fwrite(text.data(), 1, text.size(), file) == text.size();
+    if ((file && std::fclose(file) != 0) || !written)
+      throw UsageError(fmt::format("cannot write '{}'", m_Path));
+  }
+
+ private:
+  fs::path m_Folder;
+  std::string m_Path;
+};
+
+constexpr int kMostErrors = 100;
+
+/// A message of the library as one line about the user's file.
+std::string MessageFor(std::string message, const std::string& scratch, const std::string& file, int line) {
+  while (!message.empty() && (message.back() == '\n' || message.back() == ' ')) message.pop_back();
+  if (message.starts_with(scratch)) return file + message.substr(scratch.size());
+  return line > 0 ? fmt::format("{}({}):  {}", file, line, message) : fmt::format("{}:  {}", file, message);
+}
+
+/// Loads the file; after each error once more without the entry that it is in.  Gives the number of errors.
+int CheckEntries(const FileKind& kind, const std::string& path) {
+  Source source(path);
+  const Scratch scratch(fs::path(path).filename().string());
+  int errors = 0;
+  for (;;) {
+    scratch.Write(source.Text());
+    try {
+      kind.load(scratch.Path().c_str());
+      return errors;
+    } catch (const shr::Exception& e) {
+      if (errors > 0 && source.Entries() == 0)
+        return errors;  // all were faulty: that none is left is no news
+      // Entries in front of the faulty one have been taken.
+      const auto faulty = static_cast<size_t>(kind.count());
+      Report(MessageFor(e.Message(), scratch.Path(), path, source.LineOf(faulty)));
+      ++errors;
+      if (faulty >= source.Entries()) return errors;
+      if (errors == kMostErrors) {
+        Report(fmt::format("{}: more than {} errors; the rest is not read", path, kMostErrors));
+        return errors;
+      }
+      source.LeaveOut(faulty);
+    }
+  }
+}
+
+/// Pairs key = value up to the end of the file.
+int CheckSettings(const std::string& path) {
+  ConfigFileReader reader;
+  reader.Open(path.c_str());
+  while (reader.Next()) {
+    const std::string key = reader.Token();
+    const int line = reader.Line();
+    if (!reader.Next() || reader.Token() != "=" || !reader.Next()) {
+      Report(fmt::format("{}({}):  Expected '=' and a value behind '{}'; what follows is not read", path,
+                         line, key));
+      return 1;
+    }
+  }
+  return 0;
+}
+
+int RunCheck(const CheckOptions& options) {
+  const fs::path path(options.file);
+  const std::string name = options.as.empty() ? path.stem().string() : options.as;
+  const auto kind =
+      std::find_if(std::begin(kKinds), std::end(kKinds), [&](const FileKind& k) { return name == k.name; });
+  if (name != kSettings && kind == std::end(kKinds)) {
+    throw UsageError(
+        fmt::format("'{}' is not named like a configuration file: say with --as what it is", options.file));
+  }
+  int errors = 0;
+  if (name == kSettings) {
+    errors = CheckSettings(options.file);
+  } else {
+    // The files that stand beside it go with it.
+    if (!ORVGetConfigPath() && path.has_parent_path()) ORVSetConfigPath(path.parent_path().string().c_str());
+    if (kind->needs >= 1) ORVKnownEllipsoidsList.Load(nullptr, true);
+    if (kind->needs >= 2) ORVKnownDatumsList.Load(nullptr, true);
+    errors = CheckEntries(*kind, options.file);
+    WriteOutput(fmt::format("{}: {} entries, {} {}\n", options.file, kind->count(), errors,
+                            errors == 1 ? "error" : "errors"));
+  }
+  return errors == 0 ? ExitAllDone : ExitSomeLost;
+}
+
+}  // namespace
+
+void AddCheckCommand(CLI::App& app, int& status) {
+  CLI::App* const command =
+      app.add_subcommand("check", "Read a configuration file and report every error in it");
+  const auto options = std::make_shared<CheckOptions>();
+  command->add_option("file", options->file, "The file")->type_name("FILE")->required();
+  std::vector<std::string> names = {kSettings};
+  for (const FileKind& kind : kKinds) names.emplace_back(kind.name);
+  command->add_option("--as", options->as, "What it is, when its name does not say so")
+      ->check(CLI::IsMember(names));
+  command->footer(
+      "Errors go to standard error, with file and line; an entry with an error is left out and the rest is read.\n"
+      "Entries that name an ellipsoid or a datum look it up in the files beside FILE, or else in the catalogue.\n"
+      "Exit status 1 when there is an error.");
+  command->callback([options, &status] { status = RunCheck(*options); });
+}
+
+}  // namespace orv::tool
