@@ -96,6 +96,32 @@ def lists():
         "empty": "",
     })
 
+    write("unit_list", {
+        "foot": '{\n token="ft" name="foot" namep="feet" mul=0.3048 posc=9002\n}\n',
+        "divided": "{ token=km name=kilometre div=0.001 }{ token=none name=none }",
+        "meridian": "{ token=P name=Paris lon=2d20m14.025sE posc=8903 }{ token=G name=Greenwich lon=0 }",
+        "far": "{ token=F name=Far lon=-361 }",
+        "not-an-angle": "{ token=F name=Far lon=north }",
+        "negative": "{ token=n name=n mul=-1 }",
+        "tiny": "{ token=s name=second mul=0.00000484813681109535993590 }",
+        "empty": "",
+    })
+    write("system_list", {
+        "by-reference": "{ token=A name='g|a' datum=WGS84 projtype=UTM ellipsoid=WGS84 kscale=0.9996 lon0=9 scale=1 }",
+        "inline": "{ token=B name=b datum_method=Mol datum_target=WGS84 datum_dx=1 datum_ellipsoid_radius=6378000\n"
+                  " datum_ellipsoid_flat=0.0033 datum_ellipsoid_name=X projtype='Lambert Conformal Conic'\n"
+                  " ellipsoid_radius=6378000 ellipsoid_flat=0.0033 lat1=45d30mN lat2=49 lat0=47 lon0=2d20m14sE posc=1 }",
+        "local": "{ type=unref token=U name=u scale=0.3048 xorg=1 yorg=-2 }",
+        "warp": "{ token=C name=c warp_method=Affine warp_pt=0 0 1 1 warp_pt=1 0 2 1 warp_pt=0 1 1 2 }",
+        "coefficients": "{ token=C name=c warp_coeff=1 0 0 0 1 0 }",
+        "plain": "{ token=P name=p comment='c' legacyname=old usgs=7 posc=8 future=1 }",
+        "flags": "{ token=H name=h projtype=Hotine bsouth=true busealpha=TRUE brotate=no buoffset=1 alpha=53.3 }",
+        "unknown-datum": "{ token=H name=h datum=Q }",
+        "no-name": "{ token=H }",
+        "type-without-value": "{ type",
+        "empty": "",
+    })
+
 
 def lat_lon_text():
     write("lat_lon_text", {
