@@ -9,6 +9,7 @@
 #include "orv/datum/DatumConverter.h"
 #include "orv/datum/DatumDef.h"
 #include "orv/datum/DatumList.h"
+#include "orv/datum/GridFiles.h"
 #include "orv/projection/ProjectionDef.h"
 #include "orv/projection/Projector.h"
 #include "orv/shared/Exception.h"

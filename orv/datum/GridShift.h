@@ -18,8 +18,8 @@ enum NTv2Status : int {
   NTv2BadHeader = 7     ///< a check of the headers failed
 };
 
-/// Grids of shifts between datums.  Loading is done once, on the first call; grids that are loaded never
-/// change.
+/// Grids of shifts between datums.  Loading is done once, on the first call, and again after one that failed.
+/// Grids that are loaded never change, so distinct threads may shift points.
 class GridShift {
  public:
   virtual ~GridShift() = default;
@@ -31,11 +31,18 @@ class GridShift {
   virtual void ShiftNadcon(shr::Vec2d* points, size_t count, bool inverse) = 0;
 
   virtual NTv2Status LoadNTv2() = 0;
-  /// Shifts one point, in RADIANS.  A point outside every grid stays and gives NTv2Done.
-  virtual NTv2Status ShiftNTv2(shr::Vec2d& point, bool inverse) = 0;
+  /// Shifts points in RADIANS.  A point with the marker in either coordinate, one outside every grid and one for
+  /// which no shift can be computed stay and are no failure; any other status of a point ends the batch with it.
+  virtual NTv2Status ShiftNTv2(shr::Vec2d* points, size_t count, bool inverse) = 0;
 };
 
 /// The library's own grids.
 GridShift& Grids();
+
+/// Lets go of the library's loaded grids; the next use loads them anew.  Not while another thread converts.
+void ReleaseNadconGrids();
+void ReleaseNTv2Grids();
+/// Both, as shut-down does.
+void ReleaseGrids();
 
 }  // namespace orv::internal

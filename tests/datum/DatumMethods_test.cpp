@@ -330,13 +330,17 @@ class FakeGrids : public internal::GridShift {
     }
   }
   internal::NTv2Status LoadNTv2() override { return load; }
-  internal::NTv2Status ShiftNTv2(Vec2d& point, bool inverse) override {
-    inverses.push_back(inverse);
-    seen.push_back(point);
-    const size_t turn = seen.size() - 1;
-    const internal::NTv2Status status = turn < statuses.size() ? statuses[turn] : internal::NTv2Done;
-    if (status == internal::NTv2Done) point = {point.x * 2, point.y * 3};
-    return status;
+  internal::NTv2Status ShiftNTv2(Vec2d* points, size_t count, bool inverse) override {
+    for (size_t i = 0; i < count; ++i) {
+      if (internal::IsMarked(points[i])) continue;
+      inverses.push_back(inverse);
+      seen.push_back(points[i]);
+      const size_t turn = seen.size() - 1;
+      const internal::NTv2Status status = turn < statuses.size() ? statuses[turn] : internal::NTv2Done;
+      if (status == internal::NTv2Done) points[i] = {points[i].x * 2, points[i].y * 3};
+      if (status != internal::NTv2Done && status != internal::NTv2NoShift) return status;
+    }
+    return internal::NTv2Done;
   }
 };
 

@@ -20,6 +20,9 @@ struct ORVGlobals {
   bool throwOnError = true;  ///< nothing turns it off; only tests of the quiet branch do
   std::string configPath;    ///< empty: no path is set
 
+  std::string nadconGridPath;               ///< folder of the NADCON grids; empty: the usual places
+  std::string ntv2GridFile = "ntv2_0.gsb";  ///< name of the NTv2 file; empty: none is known
+
   bool csMapForDatumConversion = false;  ///< read and kept; has no effect
   bool csMapForProjection = false;       ///< read and kept; has no effect
   uint32_t ellipsoidLoadTime = 0;        ///< milliseconds, like the three below
