@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
 """Writes the corpora's first inputs, fuzz/corpus/<reader>/seed-*: small texts of every kind that the readers know."""
 import os
+import struct
+import zlib
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 
@@ -10,7 +12,7 @@ def write(reader, seeds):
     os.makedirs(folder, exist_ok=True)
     for name, content in seeds.items():
         with open(os.path.join(folder, "seed-" + name), "wb") as out:
-            out.write(content.encode("latin-1"))
+            out.write(content if isinstance(content, bytes) else content.encode("latin-1"))
 
 
 def item(kind, name, values=None, count=1):
@@ -131,6 +133,89 @@ def lat_lon_text():
     })
 
 
+def nadcon_file(columns, rows, shift, spacing=0.5):
+    record = 4 * (columns + 1)
+    header = b"NADCON EXTRACTED REGION".ljust(56) + b"NADGRD  " + struct.pack(
+        "<iiifffff", columns, rows, 1, -100, spacing, 40, spacing, 0)
+    return header.ljust(record, b"\0") + b"".join(
+        struct.pack(f"<{columns + 1}f", 0, *(shift * (col - row) for col in range(columns))) for row in range(rows))
+
+
+def zip_file(members, comment=b""):
+    archive = directory = b""
+    for name, content, method in members:
+        packer = zlib.compressobj(9, zlib.DEFLATED, -15)
+        data = packer.compress(content) + packer.flush() if method == 8 else content
+        sizes = struct.pack("<III", zlib.crc32(content), len(data), len(content))
+        directory += (struct.pack("<IHHHHI", 0x02014B50, 20, 20, 0, method, 0) + sizes
+                      + struct.pack("<HHHHHII", len(name), 0, 0, 0, 0, 0, len(archive)) + name)
+        archive += struct.pack("<IHHHI", 0x04034B50, 20, 0, method, 0) + sizes + struct.pack("<HH", len(name), 0) + name + data
+    end = struct.pack("<IHHHHIIH", 0x06054B50, 0, 0, len(members), len(members), len(directory), len(archive), len(comment))
+    return archive + directory + end + comment
+
+
+def nadcon():
+    # The length of the .los file, that file, and the .las file.
+    def pair(los, las):
+        return struct.pack("<I", len(los)) + los + las
+    grid = nadcon_file(23, 3, 3.5)
+    write("nadcon", {
+        "pair": pair(grid, nadcon_file(23, 3, -1)),
+        "large-shifts": pair(nadcon_file(23, 3, 3600), nadcon_file(23, 3, 1800)),
+        "other-spacing": pair(grid, nadcon_file(23, 3, -1, 0.25)),
+        "short": pair(grid[:-1], grid),
+        "huge-count": pair(grid[:64] + b"\xff\xff\xff\x7f" * 2 + grid[72:], grid),
+        "empty": b"",
+    })
+
+
+def ntv2_grid(name, parent, south, north, east, west, step, shift=1.0, count=None):
+    columns, rows = int((west - east) / step) + 1, int((north - south) / step) + 1
+    header = b"".join(key.ljust(8) + value for key, value in (
+        (b"SUB_NAME", name.ljust(8)), (b"PARENT", parent.ljust(8)), (b"CREATED", bytes(8)), (b"UPDATED", bytes(8)),
+        *((key, struct.pack("<d", value)) for key, value in (
+            (b"S_LAT", south), (b"N_LAT", north), (b"E_LONG", east), (b"W_LONG", west), (b"LAT_INC", step),
+            (b"LONG_INC", step))),
+        (b"GS_COUNT", struct.pack("<ii", columns * rows if count is None else count, 0))))
+    return header + b"".join(struct.pack("<4f", shift * i, -shift * i, 0, 0) for i in range(columns * rows))
+
+
+def ntv2():
+    def file(*grids, count=None):
+        records = ((b"NUM_OREC", 11), (b"NUM_SREC", 11), (b"NUM_FILE", len(grids) if count is None else count))
+        return (b"".join(key + struct.pack("<ii", value, 0) for key, value in records) + b"GS_TYPE SECONDS "
+                + b"".join(key.ljust(8) + bytes(8) for key in (b"VERSION", b"SYSTEM_F", b"SYSTEM_T", b"MAJOR_F", b"MINOR_F",
+                                                               b"MAJOR_T", b"MINOR_T")) + b"".join(grids))
+    main = ntv2_grid(b"MAIN", b"NONE", 180000, 187200, -43200, -36000, 3600)
+    child = ntv2_grid(b"CHILD", b"MAIN", 181800, 183600, -39600, -37800, 1800)
+    write("ntv2", {
+        "one": file(main),
+        "child": file(child, main),
+        "twins": file(main, child, child),
+        "large-shifts": file(ntv2_grid(b"MAIN", b" NONE", 180000, 187200, -43200, -36000, 3600, 900)),
+        "own-parent": file(main, ntv2_grid(b"A", b"B", 0, 10, 0, 10, 10), ntv2_grid(b"B", b"A", 0, 10, 0, 10, 10)),
+        "huge-count": file(main, count=2**31 - 1),
+        "huge-grid": file(ntv2_grid(b"MAIN", b"NONE", 0, 1, 0, 1, 1, count=2**31 - 1)),
+        "none": file(),
+        "empty": b"",
+    })
+
+
+def zips():
+    grid = nadcon_file(23, 3, 3.5)
+    write("zip", {
+        "pair": zip_file([(b"A.LOS", grid, 8), (b"a.las", grid, 8)]),
+        "stored": zip_file([(b"a.los", grid, 0), (b"a.las", grid, 8)], b"comment"),
+        "alone": zip_file([(b"dir/a.los", grid, 8), (b"empty", b"", 0), (b"odd", b"x", 12)]),
+        "zeros": zip_file([(b"a.los", bytes(100000), 8)]),
+        "no-members": zip_file([]),
+        "empty": b"",
+    })
+
+
 encoded_text()
+nadcon()
+ntv2()
+zips()
 lists()
 lat_lon_text()
