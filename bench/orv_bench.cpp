@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <functional>
 #include <limits>
 #include <memory>
@@ -21,10 +22,13 @@
 #include "orv/core/ORVGlobals.h"
 #include "orv/datum/DatumConverter.h"
 #include "orv/datum/DatumList.h"
+#include "orv/datum/GridFiles.h"
 #include "orv/projection/Projector.h"
 #include "orv/system/CSTransformer.h"
 #include "orv/system/ORVDef.h"
 #include "orv/tables/EllipsoidList.h"
+#include "tests/support/GridBytes.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 
@@ -180,20 +184,70 @@ orv::DatumDef Datum(const char* token) {
   return datum;
 }
 
+Work Conversion(const orv::DatumDef& from, const orv::DatumDef& to) {
+  orv::DatumConverter& converter = Keep<orv::DatumConverter>(&from, &to);
+  converter.Initialize();
+  return [&converter](shr::Vec2d* points, size_t count) { converter.Convert(points, count); };
+}
+
 void RegisterDatum(const std::string& name, const orv::DatumDef& datum, const Box& box, bool invertible,
                    const std::string& projDefinition) {
   const orv::DatumDef wgs84 = Datum("WGS84");
-  orv::DatumConverter& there = Keep<orv::DatumConverter>(&datum, &wgs84);
-  there.Initialize();
-  Work back;
-  if (invertible) {
-    orv::DatumConverter& converter = Keep<orv::DatumConverter>(&wgs84, &datum);
-    converter.Initialize();
-    back = [&converter](shr::Vec2d* points, size_t count) { converter.Convert(points, count); };
+  RegisterBoth(name, box, Conversion(datum, wgs84), invertible ? Conversion(wgs84, datum) : Work(),
+               projDefinition);
+}
+
+orv::DatumDef GridDatum(orv::DatumMethod method, orv::DatumTarget special, bool inverse = false) {
+  orv::DatumParameters p;
+  p.method = method;
+  p.target = method == orv::DatumMethodNone ? orv::DatumTargetWGS84 : orv::DatumTargetNAD83;
+  p.ellipsoid = Ellipsoid("WGS84");
+  p.inverse = inverse;
+  orv::DatumDef datum(&p, 0);
+  datum.SetSpecial(special);
+  return datum;
+}
+
+/// NADCON grids of the published ones' number, sizes and spacings, with shifts of their order; PROJ gets the nodes of
+/// the first, in which all points lie, as an NTv2 file.  NTv2: one file for both.
+void RegisterGrids() {
+  static const orv::test::TempFolder folder;  // as long as the process
+  const orv::DatumDef nad83 = GridDatum(orv::DatumMethodNone, orv::DatumTargetNAD83);
+
+  const auto west = [](int col, int row) {
+    return 1.5F + 0.01F * static_cast<float>(col) - 0.004F * static_cast<float>(row);
+  };
+  const auto north = [](int col, int row) {
+    return 0.5F - 0.003F * static_cast<float>(col) + 0.002F * static_cast<float>(row);
+  };
+  const orv::test::NadconLayout layouts[] = {
+      {273, 121, -131.0F, 0.25F, 20.0F, 0.25F},        {529, 249, -194.0F, 0.125F, 46.0F, 0.125F},
+      {281, 201, -161.0F, 0.025F, 18.0F, 0.025F},      {81, 41, -68.0F, 0.05F, 17.0F, 0.05F},
+      {121, 61, -171.0F, 1.0F / 60, 56.0F, 1.0F / 60}, {41, 21, -171.0F, 0.05F, 57.0F, 0.05F}};
+  for (size_t i = 0; i < std::size(layouts); ++i) {
+    folder.Write(std::to_string(i) + ".los", orv::test::NadconFile(layouts[i], west));
+    folder.Write(std::to_string(i) + ".las", orv::test::NadconFile(layouts[i], north));
   }
-  RegisterBoth(
-      name, box, [&there](shr::Vec2d* points, size_t count) { there.Convert(points, count); }, back,
-      projDefinition);
+  const std::string nodes = folder.Write(
+      "nodes.gsb", orv::test::NTv2File(
+                       {orv::test::NTv2Box("NODES", "NONE", -131, 20, 0.25, 273, 121, [&](int col, int row) {
+                         return orv::test::NTv2Shift{north(col + 1, row + 1), west(col + 1, row + 1)};
+                       })}));
+  orv::ORVSetNadconGridPath(folder.Path().c_str());
+  const orv::DatumDef nad27 = GridDatum(orv::DatumMethodNADCON, orv::DatumTargetNAD27);
+  RegisterBoth("NADCON", {-125, -70, 25, 45}, Conversion(nad27, nad83), Conversion(nad83, nad27),
+               "+proj=hgridshift +grids=" + nodes);
+
+  const std::string france = "/usr/share/proj/ntf_r93.gsb";
+  if (!std::filesystem::exists(france)) {
+    std::fprintf(stderr, "orv_bench: %s is missing (package proj-data); NTv2 is left out\n", france.c_str());
+    return;
+  }
+  orv::ORVSetNTv2GridFile(france.c_str());
+  RegisterBoth("NTv2", {-5, 9.5, 41.5, 51.5},
+               Conversion(GridDatum(orv::DatumMethodNTV2, orv::DatumTargetNone), nad83),
+               Conversion(GridDatum(orv::DatumMethodNTV2, orv::DatumTargetNone, true), nad83),
+               "+proj=hgridshift +grids=" + france);
 }
 
 const std::string kHelmertDhdn =
@@ -279,6 +333,7 @@ int main(int argc, char** argv) {
     orv::ORVKnownDatumsList.Load(nullptr, true);
     RegisterEngines();
     RegisterDatums();
+    RegisterGrids();
     RegisterTransformer();
     RegisterOnce();
   } catch (const std::exception& e) {

@@ -111,37 +111,31 @@ void DatumConverter::Convert(shr::Vec2d* points, size_t count) {
   m_bHadUnplottables = false;
   if (!points) count = 0;
 
+  // Whatever can fail fails here, before a point is touched.
   std::vector<internal::DatumStep> steps;
-  bool bLocal = true;  // no step can fail or wants the batch as a whole
+  const char* failure = nullptr;
+  bool bGrids = false;
   for (const Step& step : m_Route) {
-    steps.emplace_back(step.parameters, step.targetEllipsoid, internal::Grids());
-    bLocal = bLocal && steps.back().IsLocal();
+    internal::DatumStep& ready = steps.emplace_back(step.parameters, step.targetEllipsoid, internal::Grids());
+    failure = ready.Prepare();
+    bGrids = bGrids || ready.UsesGrids();
+    if (!failure) continue;
+    steps.pop_back();
+    break;
   }
 
+  // All stages block by block, while a block is in the cache.  A step that fails leaves the points as far as the
+  // steps in front of it take them.
   const lanes::KernelTable& kernels = lanes::Kernels();
-  double* const xy = count > 0 ? &points->x : nullptr;
-  if (bLocal) {
-    // The same as below, block by block while a block is in the cache.
-    double offsets[lanes::kBlockPoints];
-    lanes::ForEachBlock(xy, count, [&](double* block, size_t n) {
-      if (Enter(kernels, block, n, offsets)) m_bHadUnplottables = true;
-      for (const internal::DatumStep& step : steps) step.RunLocal(block, n);
-      if (Leave(kernels, block, n, offsets)) m_bHadUnplottables = true;
-    });
-    return;
-  }
-
-  // Step by step over the whole batch, so that a failing step leaves all points as far as the steps got.
-  std::vector<double> offsets(count);
-  if (Enter(kernels, xy, count, offsets.data())) m_bHadUnplottables = true;
-  for (const internal::DatumStep& step : steps) {
-    const char* const failure = step.Run(points, count);
-    if (failure) {
-      ORV_FAIL(ErrDatumMethod, "%s", failure);
-      return;
-    }
-  }
-  if (Leave(kernels, xy, count, offsets.data())) m_bHadUnplottables = true;
+  double offsets[lanes::kBlockPoints];
+  // Grids take point by point, so padding to whole groups would only add points.
+  const size_t group = bGrids ? 1 : kernels.lanes;
+  lanes::ForEachBlock(count > 0 ? &points->x : nullptr, count, group, [&](double* block, size_t n) {
+    if (Enter(kernels, block, n, offsets)) m_bHadUnplottables = true;
+    for (const internal::DatumStep& step : steps) step.Run(block, n);
+    if (!failure && Leave(kernels, block, n, offsets)) m_bHadUnplottables = true;
+  });
+  if (failure) ORV_FAIL(ErrDatumMethod, "%s", failure);
 }
 
 bool DatumConverter::CheckUnplottableResult() const { return m_bHadUnplottables; }

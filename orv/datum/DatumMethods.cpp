@@ -1,10 +1,12 @@
 #include "orv/datum/DatumMethods.h"
 
 #include <algorithm>
+#include <type_traits>
 
 #include "orv/core/internal/Angle.h"
 #include "orv/core/internal/Marker.h"
 #include "orv/datum/RegressionTables.h"
+#include "orv/lanes/Blocks.h"
 #include "orv/lanes/Dispatch.h"
 
 namespace orv::internal {
@@ -115,49 +117,52 @@ DatumStep::DatumStep(const DatumParameters& p, const EllipsoidDef& target, GridS
   }
 }
 
-bool DatumStep::IsLocal() const {
-  return !std::holds_alternative<Failure>(m_Method) && !std::holds_alternative<Nadcon>(m_Method) &&
-         !std::holds_alternative<NTv2>(m_Method);
+const char* DatumStep::Prepare() const {
+  if (const auto* const failure = std::get_if<Failure>(&m_Method)) return failure->text;
+  if (const auto* const nadcon = std::get_if<Nadcon>(&m_Method)) {
+    return nadcon->grids->LoadNadcon() ? nullptr : "NADCON grid shift files missing or corrupt.";
+  }
+  if (const auto* const ntv2 = std::get_if<NTv2>(&m_Method)) return NTv2Failure(ntv2->grids->LoadNTv2());
+  return nullptr;
 }
 
-void DatumStep::RunLocal(double* xy, size_t count) const {
+const char* DatumStep::Run(double* xy, size_t count) const {
+  if (const char* const failure = Prepare()) return failure;
+  static_assert(std::is_standard_layout_v<shr::Vec2d> && sizeof(shr::Vec2d) == 2 * sizeof(double));
+  auto* const points = reinterpret_cast<shr::Vec2d*>(xy);
   const lanes::KernelTable& kernels = lanes::Kernels();
+  const char* failure = nullptr;
   std::visit(Choose{[&](const Molodensky& c) { kernels.molodensky(c, xy, count); },
                     [&](const BursaWolf& c) { kernels.bursaWolf(c, xy, count); },
-                    [&](const Regression* c) { kernels.regression(*c, xy, count); }, [](const auto&) {}},
+                    [&](const Regression* c) { kernels.regression(*c, xy, count); },
+                    [&](const Nadcon& c) { c.grids->ShiftNadcon(points, count, c.inverse); },
+                    [&](const NTv2& c) { failure = RunNTv2(c, points, count); }, [](const auto&) {}},
              m_Method);
-}
-
-const char* DatumStep::Run(shr::Vec2d* points, size_t count) const {
-  if (const auto* const failure = std::get_if<Failure>(&m_Method)) return failure->text;
-  if (const auto* const nadcon = std::get_if<Nadcon>(&m_Method)) return RunNadcon(*nadcon, points, count);
-  if (const auto* const ntv2 = std::get_if<NTv2>(&m_Method)) return RunNTv2(*ntv2, points, count);
-  static_assert(sizeof(shr::Vec2d) == 2 * sizeof(double));
-  if (count > 0) RunLocal(&points->x, count);
-  return nullptr;
-}
-
-const char* DatumStep::RunNadcon(const Nadcon& step, shr::Vec2d* points, size_t count) {
-  if (!step.grids->LoadNadcon()) return "NADCON grid shift files missing or corrupt.";
-  step.grids->ShiftNadcon(points, count, step.inverse);
-  return nullptr;
+  return failure;
 }
 
 const char* DatumStep::RunNTv2(const NTv2& step, shr::Vec2d* points, size_t count) {
-  const char* failure = NTv2Failure(step.grids->LoadNTv2());
-  if (failure) return failure;
+  const char* failure = nullptr;
+  const lanes::KernelTable& kernels = lanes::Kernels();
   constexpr double kDegrees = 57.29577951308232;
-  constexpr size_t kBlock = 512;  // as much as stays in the nearest cache from one pass to the next
-  for (size_t at = 0; at < count; at += kBlock) {
-    const size_t end = std::min(count, at + kBlock);
-    for (size_t i = at; i < end; ++i) {
-      if (!IsMarked(points[i])) points[i] = {ToRadians(points[i].x), ToRadians(points[i].y)};
+  constexpr size_t kBlock = lanes::kBlockPoints;
+  struct Marked {
+    size_t at;
+    double x, y;
+  } marked[kBlock];  // not filled before it is needed
+  for (size_t begin = 0; begin < count; begin += kBlock) {
+    shr::Vec2d* const block = points + begin;
+    const size_t n = std::min(count - begin, kBlock);
+    // The passes over a block skip coordinates with the marker; a point with one is skipped as a whole.
+    size_t markedCount = 0;
+    for (size_t i = 0; i < n; ++i) {
+      if (IsMarked(block[i])) marked[markedCount++] = {i, block[i].x, block[i].y};
     }
-    if (!failure) failure = NTv2Failure(step.grids->ShiftNTv2(points + at, end - at, step.inverse));
+    kernels.toRadians(&block->x, n);
+    if (!failure) failure = NTv2Failure(step.grids->ShiftNTv2(block, n, step.inverse));
     // After a failure too, all points go through radians.
-    for (size_t i = at; i < end; ++i) {
-      if (!IsMarked(points[i])) points[i] = {points[i].x * kDegrees, points[i].y * kDegrees};
-    }
+    kernels.multiply(&block->x, n, kDegrees);
+    for (size_t i = 0; i < markedCount; ++i) block[marked[i].at] = {marked[i].x, marked[i].y};
   }
   return failure;
 }

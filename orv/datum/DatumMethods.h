@@ -34,13 +34,17 @@ class DatumStep {
   /// @param grids   must outlive the step.
   DatumStep(const DatumParameters& p, const EllipsoidDef& target, GridShift& grids);
 
-  /// True when the step works on each point by itself and cannot fail.
-  bool IsLocal() const;
-  /// Runs a local step on interleaved longitudes and latitudes.
-  void RunLocal(double* xy, size_t count) const;
-
-  /// Runs any step.  Null when done, else the text of the failure; the points are then as far as it got.
-  const char* Run(shr::Vec2d* points, size_t count) const;
+  bool UsesGrids() const {
+    return std::holds_alternative<Nadcon>(m_Method) || std::holds_alternative<NTv2>(m_Method);
+  }
+  /// Loads the grids of a step that needs some.  Null when the step can run, else the text of the failure.
+  const char* Prepare() const;
+  /// Runs the step on interleaved longitudes and latitudes.  Null when done, else the text of the failure: never once
+  /// Prepare has given null, for the library's own grids.  The points are then as far as the step got.
+  const char* Run(double* xy, size_t count) const;
+  const char* Run(shr::Vec2d* points, size_t count) const {
+    return count > 0 ? Run(&points->x, count) : Prepare();
+  }
 
  private:
   struct Nothing {};
@@ -56,7 +60,6 @@ class DatumStep {
     bool inverse;
   };
 
-  static const char* RunNadcon(const Nadcon& step, shr::Vec2d* points, size_t count);
   static const char* RunNTv2(const NTv2& step, shr::Vec2d* points, size_t count);
 
   std::variant<Nothing, Failure, Molodensky, BursaWolf, const Regression*, Nadcon, NTv2> m_Method;

@@ -1,6 +1,7 @@
 #include "orv/datum/NTv2Grid.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <unordered_map>
 #include <utility>
@@ -31,11 +32,19 @@ ByteReader ValueOf(const unsigned char* header, size_t record) {
 
 std::string ToFirstNul(const std::string& text) { return text.substr(0, text.find('\0')); }
 
-/// Into 0 to 2 pi.
-double WrappedOffset(double radians) {
+/// Into 0 to 2 pi: pi is taken off, the rest brought into -pi to pi, and pi put back.
+inline double WrappedOffset(double radians) {
   double centred = radians - kPi;
-  centred -= 2.0 * kPi * std::floor((centred + kPi) / (2.0 * kPi));
+  const double back = centred + kPi;
+  if (back >= 0.0 && back < 6.28) return back;  // no turn to take off: the same bits, without a call
+  centred -= 2.0 * kPi * std::floor(back / (2.0 * kPi));
   return centred + kPi;
+}
+
+/// Into 0 to `most`; a NaN, which the smallest spacings make, gives 0.
+inline double Within(double value, int most) {
+  const double notBelow = value > 0.0 ? value : 0.0;
+  return notBelow < most ? notBelow : most;
 }
 
 /// Nodes along an extent, or 0 for more than an int counts.  Both arguments finite, the increment above 0.
@@ -76,6 +85,10 @@ NTv2Status NTv2SubGrid::ReadHeader(GenericReader& file) {
   m_LatStep = latIncrement * kArcSecond;
   m_East = m_West + (m_Columns - 1) * m_LonStep;
   m_North = m_South + (m_Rows - 1) * m_LatStep;
+  m_PerLon = 1.0 / m_LonStep;
+  m_PerLat = 1.0 / m_LatStep;
+  m_MostLon = m_East - m_West + kOnTheEdge;
+  m_MostLat = m_North - m_South + kOnTheEdge;
   return NTv2Done;
 }
 
@@ -121,48 +134,53 @@ bool NTv2SubGrid::Encloses(const NTv2SubGrid& other) const {
          other.m_South >= m_South - latMargin && other.m_North <= m_North + latMargin;
 }
 
-bool NTv2SubGrid::Forward(shr::Vec2d& point) const {
+bool NTv2SubGrid::ShiftAt(const shr::Vec2d& point, shr::Vec2d& shift) const {
   const double lon = WrappedOffset(point.x - m_West);
   const double lat = point.y - m_South;
-  if (!(lon <= m_East - m_West + kOnTheEdge && lat >= -kOnTheEdge && lat <= m_North - m_South + kOnTheEdge)) {
-    return false;
-  }
-  const double u = lon / m_LonStep;
-  const double v = lat / m_LatStep;
+  if (!(lon <= m_MostLon && lat >= -kOnTheEdge && lat <= m_MostLat)) return false;
+  const double u = Within(lon * m_PerLon, m_Columns - 1);
+  const double v = Within(lat * m_PerLat, m_Rows - 1);
   // A point on the east or north edge belongs to the last cell.
-  const int col = static_cast<int>(std::clamp(u, 0.0, m_Columns - 2.0));
-  const int row = static_cast<int>(std::clamp(v, 0.0, m_Rows - 2.0));
+  const int col = std::min(static_cast<int>(u), m_Columns - 2);
+  const int row = std::min(static_cast<int>(v), m_Rows - 2);
   const double s = u - col;
   const double t = v - row;
-  const Node& southWest = NodeAt(col, row);
-  const Node& southEast = NodeAt(col + 1, row);
-  const Node& northWest = NodeAt(col, row + 1);
-  const Node& northEast = NodeAt(col + 1, row + 1);
-  const auto bilinear = [&](double Node::*shift) {
-    return (1.0 - s) * (1.0 - t) * southWest.*shift + s * (1.0 - t) * southEast.*shift +
-           (1.0 - s) * t * northWest.*shift + s * t * northEast.*shift;
-  };
-  const double dLon = bilinear(&Node::lon);
-  const double dLat = bilinear(&Node::lat);
-  if (!std::isfinite(dLon) || !std::isfinite(dLat)) return false;
-  point = {point.x + dLon, point.y + dLat};
+  const Node* const south = &NodeAt(col, row);
+  const Node* const north = south + m_Columns;
+  const double southWest = (1.0 - s) * (1.0 - t);
+  const double southEast = s * (1.0 - t);
+  const double northWest = (1.0 - s) * t;
+  const double northEast = s * t;
+  shift.x = southWest * south[0].lon + southEast * south[1].lon + northWest * north[0].lon +
+            northEast * north[1].lon;
+  shift.y = southWest * south[0].lat + southEast * south[1].lat + northWest * north[0].lat +
+            northEast * north[1].lat;
+  return std::isfinite(shift.x + shift.y);  // shifts are float32 seconds: no sum of finite ones overflows
+}
+
+bool NTv2SubGrid::BeginInverse(const shr::Vec2d& point, shr::Vec2d& guess) const {
+  shr::Vec2d shift;
+  if (!ShiftAt(point, shift)) return false;
+  guess = {point.x - shift.x, point.y - shift.y};
   return true;
 }
 
+NTv2SubGrid::Round NTv2SubGrid::RefineInverse(const shr::Vec2d& point, shr::Vec2d& guess) const {
+  shr::Vec2d shift;
+  if (!ShiftAt(guess, shift)) return Round::NoShift;
+  const shr::Vec2d residual(guess.x + shift.x - point.x, guess.y + shift.y - point.y);
+  guess = {guess.x - residual.x, guess.y - residual.y};
+  const bool bBothLarge = std::fabs(residual.x) > kSettled && std::fabs(residual.y) > kSettled;
+  return bBothLarge ? Round::GoesOn : Round::Settled;
+}
+
 bool NTv2SubGrid::Inverse(shr::Vec2d& point) const {
-  shr::Vec2d shifted = point;
-  if (!Forward(shifted)) return false;
-  shr::Vec2d guess(point.x - (shifted.x - point.x), point.y - (shifted.y - point.y));
-  for (int round = 0; round < kMostRounds; ++round) {
-    shifted = guess;
-    if (!Forward(shifted)) return false;
-    const shr::Vec2d residual(shifted.x - point.x, shifted.y - point.y);
-    guess = {guess.x - residual.x, guess.y - residual.y};
-    if (std::fabs(residual.x) > kSettled && std::fabs(residual.y) > kSettled) continue;
-    point = guess;
-    return true;
-  }
-  return false;
+  shr::Vec2d guess;
+  if (!BeginInverse(point, guess)) return false;
+  Round round = Round::GoesOn;
+  for (int i = 0; i < kMostRounds && round == Round::GoesOn; ++i) round = RefineInverse(point, guess);
+  if (round == Round::Settled) point = guess;
+  return round == Round::Settled;
 }
 
 // ---- the tree --------------------------------------------------------------------------------------------
@@ -291,14 +309,45 @@ NTv2Status NTv2Grid::Shift(shr::Vec2d& point, bool inverse) const {
 
 void NTv2Grid::Transform(shr::Vec2d* points, size_t count, bool inverse) const {
   const NTv2SubGrid* last = nullptr;  // a certain grid, which spares the walk to the points near it
-  for (size_t i = 0; i < count; ++i) {
-    if (IsMarked(points[i])) continue;
-    const NTv2SubGrid* grid = last;
-    if (!last || !last->Contains(points[i])) {
-      grid = GridFor(points[i]);
-      last = grid && m_Certain[static_cast<size_t>(grid - m_SubGrids.data())] ? grid : nullptr;
+  const auto gridOf = [&](const shr::Vec2d& point) {
+    if (last && last->Contains(point)) return last;
+    const NTv2SubGrid* const grid = GridFor(point);
+    last = grid && m_Certain[static_cast<size_t>(grid - m_SubGrids.data())] ? grid : nullptr;
+    return grid;
+  };
+  if (!inverse) {
+    for (size_t i = 0; i < count; ++i) {
+      if (IsMarked(points[i])) continue;
+      if (const NTv2SubGrid* const grid = gridOf(points[i])) grid->Forward(points[i]);
     }
-    Shift(grid, points[i], inverse);
+    return;
+  }
+  // A round waits for the one before it, so the rounds of many points are taken side by side.
+  struct Search {
+    const NTv2SubGrid* grid;
+    shr::Vec2d* point;
+    shr::Vec2d guess;
+  };
+  std::array<Search, 16> searches;
+  for (size_t i = 0; i < count;) {
+    size_t active = 0;
+    for (; i < count && active < searches.size(); ++i) {
+      if (IsMarked(points[i])) continue;
+      Search& search = searches[active];
+      search.grid = gridOf(points[i]);
+      search.point = &points[i];
+      if (search.grid && search.grid->BeginInverse(points[i], search.guess)) ++active;
+    }
+    for (int round = 0; round < kMostRounds && active > 0; ++round) {
+      size_t left = 0;
+      for (size_t k = 0; k < active; ++k) {
+        Search& search = searches[k];
+        const NTv2SubGrid::Round result = search.grid->RefineInverse(*search.point, search.guess);
+        if (result == NTv2SubGrid::Round::Settled) *search.point = search.guess;
+        if (result == NTv2SubGrid::Round::GoesOn) searches[left++] = search;
+      }
+      active = left;
+    }
   }
 }
 

@@ -1,4 +1,4 @@
-// NTv2Grid.h: the tree of grids in an NTv2 file.
+// NTv2Grid.h: the tree of grids in an NTv2 file [Jun95].
 //
 // Layout (little-endian): records of 16 bytes, mostly an 8-character keyword and an 8-byte value.  An overview of
 // 11 records; then for each grid a header of 11 records and its nodes, a record of four float32 each: latitude
@@ -58,14 +58,26 @@ class NTv2SubGrid {
 
   /// Adds the shift, bilinear within the cell.  False, and the point stays, when the grid has none for it.  The
   /// longitude is taken relative to the western edge and wrapped.
-  bool Forward(shr::Vec2d& point) const;
+  bool Forward(shr::Vec2d& point) const {
+    shr::Vec2d shift;
+    if (!ShiftAt(point, shift)) return false;
+    point = {point.x + shift.x, point.y + shift.y};
+    return true;
+  }
   /// The point that Forward takes to this one.  False, and the point stays, when 11 rounds do not settle it or a
   /// guess leaves the grid.
   ///
   /// Deliberate: a round is the last as soon as ONE of its residuals is 1e-12 or less.
   bool Inverse(shr::Vec2d& point) const;
 
+  /// The rounds of Inverse one by one: the first guess, and what is better.  False and NoShift: the grid has no shift
+  /// there.  A settled guess is the result.
+  enum class Round { Settled, GoesOn, NoShift };
+  bool BeginInverse(const shr::Vec2d& point, shr::Vec2d& guess) const;
+  Round RefineInverse(const shr::Vec2d& point, shr::Vec2d& guess) const;
+
  private:
+  bool ShiftAt(const shr::Vec2d& point, shr::Vec2d& shift) const;
   NTv2Status ReadHeader(GenericReader& file);
   NTv2Status ReadNodes(GenericReader& file);
 
@@ -79,6 +91,10 @@ class NTv2SubGrid {
   double m_North = 0.0;
   double m_LonStep = 0.0;
   double m_LatStep = 0.0;
+  double m_PerLon = 0.0;  // columns and rows per radian
+  double m_PerLat = 0.0;
+  double m_MostLon = 0.0;  // the largest offsets from west and south that are inside
+  double m_MostLat = 0.0;
   std::vector<Node> m_Nodes;  // row by row
 };
 

@@ -1,4 +1,4 @@
-// NadconGrid.h: one NADCON grid, a .los file of longitude shifts and a .las file of latitude shifts.
+// NadconGrid.h: one NADCON grid [Dew90], a .los file of longitude shifts and a .las file of latitude shifts.
 //
 // Layout of either file (Fortran direct access, little-endian): records of 4 x (columns + 1) bytes, rows + 1 of
 // them.  The first holds, from byte 64: int32 columns, int32 rows, a word that is no use, float32 xMin, dx, yMin,

@@ -72,6 +72,10 @@ int UsePublicInterface() {
   Use(static_cast<void (*)(const char*)>(&orv::ORVSetConfigPath));
   Use(static_cast<const char* (*)()>(&orv::ORVGetConfigPath));
   Use(static_cast<bool (*)(const char*, std::string&)>(&orv::ORVFindConfigFile));
+  Use(static_cast<void (*)(const char*)>(&orv::ORVSetNadconGridPath));
+  Use(static_cast<const char* (*)()>(&orv::ORVGetNadconGridPath));
+  Use(static_cast<void (*)(const char*)>(&orv::ORVSetNTv2GridFile));
+  Use(static_cast<const char* (*)()>(&orv::ORVGetNTv2GridFile));
   Use(static_cast<const char* (*)()>(&orv::ORVGetErrorText));
   Use(static_cast<const char* (*)()>(&orv::ORVGetErrorFile));
   Use(static_cast<int (*)()>(&orv::ORVGetErrorLine));

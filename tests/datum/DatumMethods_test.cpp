@@ -185,9 +185,9 @@ TEST(DatumMethods, ShiftsRefuseAnEllipsoidWithoutRadius) {
       DatumParameters without = p;
       without.ellipsoid.Flush();
       EXPECT_STREQ(row.message, DatumStep(without, Wgs84(), internal::Grids()).Run(&point, 1));
-      EXPECT_FALSE(DatumStep(without, Wgs84(), internal::Grids()).IsLocal());
+      EXPECT_NE(nullptr, DatumStep(without, Wgs84(), internal::Grids()).Prepare());
     }
-    EXPECT_TRUE(DatumStep(p, Wgs84(), internal::Grids()).IsLocal());
+    EXPECT_EQ(nullptr, DatumStep(p, Wgs84(), internal::Grids()).Prepare());
   }
 }
 

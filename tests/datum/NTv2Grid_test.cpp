@@ -376,6 +376,31 @@ TEST(NTv2Grid, GeometryThatIsNoneIsStatus3) {
   EXPECT_EQ(7, status(7, -1e308));
 }
 
+TEST(NTv2Grid, SpacingsTooSmallForRadiansShiftWithoutHarm) {
+  // Files that pass every check although their cells are nothing: the cell of a point must stay in the arrays.
+  for (const double step : {5e-324, 1e-318, 1e-300, 1e-30, 1e-20, 1e-13}) {
+    NTv2Layout tiny = Flat("A", "NONE", 0.0, 0.0, 1.0, 3, 3, 1.0F);
+    tiny.latInc = tiny.lonInc = step;
+    tiny.north = tiny.west = 2 * step;
+    tiny.south = tiny.east = 0.0;
+    const NTv2Grid grid = Grid({tiny});
+    const internal::NTv2SubGrid& sub = grid.SubGrids()[0];
+    for (const Vec2d& start :
+         {Vec2d(sub.West(), sub.South()), {sub.East(), sub.North()}, {sub.West(), sub.North()}}) {
+      for (const bool inverse : {false, true}) {
+        Vec2d point = start;
+        const NTv2Status status = grid.Shift(point, inverse);
+        EXPECT_TRUE(status == internal::NTv2Done || inverse) << step;
+        EXPECT_NEAR(start.y, point.y, 1.1 * 4.84813681109536e-6);
+        EXPECT_NEAR(start.x, point.x, 1e-15);
+      }
+      Vec2d beside(start.x + 0.5e-12, start.y - 0.5e-12);
+      sub.Forward(beside);  // in the margin of rounding, which is many cells
+      EXPECT_NEAR(0.0, beside.y, 1.1 * 4.84813681109536e-6);
+    }
+  }
+}
+
 TEST(NTv2Grid, ACountWithoutItsGridsIsAShortRead) {
   const std::string file = test::NTv2File({Main()});
   EXPECT_EQ(6, StatusOf(test::Patched(file, 40, test::Bytes().I32(2))));

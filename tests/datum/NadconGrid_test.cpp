@@ -6,6 +6,7 @@
 #include <cstring>
 #include <filesystem>
 #include <limits>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -487,6 +488,39 @@ TEST_F(NadconConversion, GoesBothWays) {
   Convert(m_Nad83, m_Nad27, points);
   EXPECT_NEAR(-97.25, points[0].x, 1e-9);
   EXPECT_NEAR(40.375, points[0].y, 1e-9);
+}
+
+TEST_F(NadconConversion, ThePublishedSetGoesThereAndBack) {
+  const std::string prvi = test::GridData("nadcon/prvi.los"), table = test::GridData("expected/prvi.tsv");
+  if (prvi.empty() || table.empty()) GTEST_SKIP() << test::kNoGridData;
+  ORVSetNadconGridPath(std::filesystem::path(prvi).parent_path().string().c_str());
+  // Puerto Rico's grid is found among the others.
+  for (auto& row : test::ReadTable(table)) {
+    if (row["grid"] == "-") continue;
+    std::vector<Vec2d> points = {{std::stod(row["lon"]), std::stod(row["lat"])}};
+    Convert(m_Nad27, m_Nad83, points);
+    EXPECT_NEAR(std::stod(row["lon_out_ngs"]), points[0].x, 1e-12);
+    EXPECT_NEAR(std::stod(row["lat_out"]), points[0].y, 1e-12);
+  }
+  // The conterminous states.  A point whose shift crosses into another cell may have no point of origin: the shifts
+  // are some 1e-3 degree and differ by 1e-5 between cells of 0.25 degree, so that is one point in 10 000.
+  std::mt19937_64 random(20260106);
+  std::vector<Vec2d> points;
+  for (int i = 0; i < 1000; ++i) {
+    const double u = static_cast<double>(random() >> 11) * 0x1p-53,
+                 v = static_cast<double>(random() >> 11) * 0x1p-53;
+    points.emplace_back(-125.0 + 58.0 * u, 25.0 + 24.0 * v);
+  }
+  std::vector<Vec2d> there = points;
+  Convert(m_Nad27, m_Nad83, there);
+  std::vector<Vec2d> back = there;
+  Convert(m_Nad83, m_Nad27, back);
+  int same = 0;
+  for (size_t i = 0; i < points.size(); ++i) {
+    EXPECT_GT(std::hypot(there[i].x - points[i].x, there[i].y - points[i].y), 1e-7);
+    same += std::hypot(back[i].x - points[i].x, back[i].y - points[i].y) < 1e-9 ? 1 : 0;
+  }
+  EXPECT_GE(same, 995);
 }
 
 TEST_F(NadconConversion, ALoadThatFailedIsTriedAgain) {
