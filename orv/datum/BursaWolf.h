@@ -1,12 +1,11 @@
 // BursaWolf.h: seven-parameter similarity through geocentric coordinates, position-vector sense, at height 0.
 //
-// Source      [EPSG7-2], method 9606; geocentric to geodetic by Bowring 1985 [Bow85], one evaluation.
+// Source      [EPSG9], method 9606; geocentric to geodetic by Bowring 1985 [Bow85], one evaluation.
 // Input       longitude, latitude in degrees.   Output  the same on the other datum.
 // Set-up      see the members; one kernel serves both directions.
 // Marks       nothing of its own; only the centre of the Earth has no finite result.
 // Departures  Deliberate: the inverse is approximate, the forward with negated constants (the rotation before
-// scale
-//             and translation).  The rotation is linear.  No iteration.
+//             scale and translation).  The rotation is linear.  No iteration.
 #pragma once
 
 #include "orv/lanes/LaneMath.h"

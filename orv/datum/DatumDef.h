@@ -26,8 +26,8 @@ struct DatumEntry;
 class ORV_API DatumDef {
  public:
   // ---- vocabulary ----------------------------------------------------------------------------------------
-  // Names are
-  // compared without regard to case.  Several names may mean one number; the canonical one is written.
+  // Names are compared without regard to case.  Several names may mean one number; the canonical one is
+  // written.
 
   /// "Molodensky" ...; null for a number without a name.
   static const char* MethodToName(DatumMethod method);

@@ -75,8 +75,7 @@ class ORV_API DatumList {
   /// Empties the list and reads a configuration file, found by ORVFindConfigFile; null means "datum.ocf".
   ///
   /// @param reportErrors  raises 1028 "Can't find datum configuration file '%s'" when there is none; else
-  /// that
-  ///        gives false quietly.  One that does not open always raises 1028 "Failed opening datum
+  ///        that gives false quietly.  One that does not open always raises 1028 "Failed opening datum
   ///        configuration file '%s'".
   /// Raised for a bad entry, 1029 with file name and line, "%s(%d):  " before each: "Unknown special token
   /// for datum '%s'", "Unknown datum method '%s'", "Unknown target '%s'", "Unknown MRE type code '%s'",

@@ -1,11 +1,12 @@
 // Molodensky.h: the standard (not abridged) Molodensky shift of latitude and longitude, at height 0.
 //
 // Source      [DMA91], section 7.3: Molodensky formulas.
-// Input       longitude, latitude in degrees.   Output  the same on the other datum; carries the prime
-// meridian shift. Set-up      see the members; one kernel serves both directions. Marks       nothing of its
-// own.  At a pole the longitude shift is huge but finite (deliberate: no guard). Departures  evaluated once,
-// at the input latitude.  The inverse is the forward with exchanged ellipsoids, not a
-//             solution of it.
+// Input       longitude, latitude in degrees.   Output  the same on the other datum; carries the prime meridian
+//             shift.
+// Set-up      see the members; one kernel serves both directions.
+// Marks       nothing of its own.  At a pole the longitude shift is huge but finite (deliberate: no guard).
+// Departures  evaluated once, at the input latitude.  The inverse is the forward with exchanged ellipsoids, not
+//             a solution of it.
 #pragma once
 
 #include "orv/lanes/LaneMath.h"

@@ -64,8 +64,7 @@ class ORV_API CSDef {
   /// Whether both systems place points alike; names, tokens, comments and codes are never compared.
   ///
   /// @param why  when not null, is emptied first and explains a false answer with the first difference.
-  /// Systems of
-  ///             different types: "Coordinate systems are not the same type (ORV versus UCS).".
+  ///             Systems of different types: "Coordinate systems are not the same type (ORV versus UCS).".
   /// Not symmetric: tolerances are measured on this object, see ORVDef.
   virtual bool Compare(const CSDef& other, bool ignoreWarp, std::string* why) const = 0;
 

@@ -74,8 +74,7 @@ CSTransformer& CSTransformer::operator=(const CSTransformer& other) {
 CSTransformer::~CSTransformer() = default;
 
 // ---- configuration ---------------------------------------------------------------------------------------
-// The old
-// system lives until its setter ends, since the argument may be that very system.
+// The old system lives until its setter ends, since the argument may be that very system.
 
 void CSTransformer::SetSource(const CSDef* source, bool warpEnabled) {
   const std::unique_ptr<CSDef> old = std::move(m_pSource);

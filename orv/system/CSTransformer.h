@@ -43,8 +43,7 @@ class ORV_API CSTransformer {
   /// Check's own text; there is then no system on that side, and the warp flag keeps its old value.
   ///
   /// @param warpEnabled  whether the system's warp, if it has one, is applied.  A source's warp would have to
-  /// be
-  ///                     undone, which cannot be done: see Transform.
+  ///                     be undone, which cannot be done: see Transform.
   void SetSource(const CSDef* source, bool warpEnabled);
   void SetDest(const CSDef* dest, bool warpEnabled);
   /// The copies held, or null.

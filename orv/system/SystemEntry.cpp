@@ -439,8 +439,8 @@ struct SystemEntry {
     const ErrorSite site = {"UCSDef", __LINE__};
     ReadEntryBody(reader, kEntryTexts, site, [&](const std::string& key, const std::string& value) {
       KeyReader keys(key, value, reader, site);
-      WalkLocal(keys,
-                d);  // a negative scale raises the setter's own failure, without file and line (deliberate)
+      // Deliberate: a negative scale raises the setter's own failure, without file and line.
+      WalkLocal(keys, d);
     });
   }
 

@@ -71,8 +71,7 @@ class ORV_API EllipsoidList {
   /// Empties the list and reads a configuration file, found by ORVFindConfigFile; null means "ellipsoid.ocf".
   ///
   /// @param bThrowIfFileMissing  raises 1028 "Can't find ellipsoid configuration file '%s'" or "Failed
-  /// opening
-  ///        ellipsoid configuration file '%s'"; else these give false quietly.
+  ///        opening ellipsoid configuration file '%s'"; else these give false quietly.
   /// Raised for a bad entry, 1029 with file name and line, "%s(%d):  " before each: "Radius value must be
   /// positive.\n"; in the library-wide list "No name parameter specified.\n", "No token parameter
   /// specified.\n"; the syntax messages of all lists; and what Add raises.  Entries read before an error

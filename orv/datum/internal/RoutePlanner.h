@@ -4,19 +4,19 @@
 // its POSC number.  These checks are tried in order; the first that gives a complete route ends the search:
 //
 //   IdenticalDatums     the parameters compare equal, or both are the same special datum: one step that does
-//   nothing. SingleStep          S.t = D.sp: S forward, and nothing else is tried when S.m is not allowed.
-//   Else D.t = S.sp
-//                       and D.m allowed and invertible: D backward.
-//   TwoStepWithCommonTarget   S.t = D.t, D.m invertible, S.m OR D.m allowed: S forward, D backward.
-//   BothSpecial         both special: over each known K, from S to K's special datum (S forward when S.t =
-//   K.sp, or
-//                       nothing to do), then on to D (nothing to do, K forward, or D backward).
+//                       nothing.
+//   SingleStep          S.t = D.sp: S forward, and nothing else is tried when S.m is not allowed.  Else
+//                       D.t = S.sp and D.m allowed and invertible: D backward.
+//   TwoStepWithCommonTarget
+//                       S.t = D.t, D.m invertible, S.m OR D.m allowed: S forward, D backward.
+//   BothSpecial         both special: over each known K, from S to K's special datum (S forward when
+//                       S.t = K.sp, or nothing to do), then on to D (nothing to do, K forward, or D backward).
 //   MultiStepRecursive  S forward, then any route from a known K with K.sp = S.t.
 //   OtherSameSpecial    any route from a known K with K.sp = S.sp, or to one with K.sp = D.sp.
 //   OtherSamePOSC       any route to a known K with D's POSC number.
 //
 // The last three search again from the start, at most five levels deep.  Known datums are tried in list
-// order. Invertible are None, Molodensky, Bursa-Wolf and NADCON.
+// order.  Invertible are None, Molodensky, Bursa-Wolf and NADCON.
 //
 // Deliberate: IdenticalDatums, MultiStepRecursive's own step and the backward leg of BothSpecial do not ask
 // whether a method is allowed; K may be S or D itself, so that a route can begin with steps that do nothing.
