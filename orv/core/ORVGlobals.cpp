@@ -6,6 +6,7 @@
 #include "orv/core/Platform.h"
 #include "orv/core/internal/Fail.h"
 #include "orv/core/internal/Globals.h"
+#include "orv/core/internal/ReadableFile.h"
 #include "orv/core/internal/Text.h"
 #include "orv/shared/Exception.h"
 #include "orv/shared/LocateFile.h"
@@ -75,27 +76,6 @@ std::string FolderOf(const std::string& path) {
   return path;
 }
 
-bool Opens(const std::string& path) {
-  std::FILE* const file = platform::OpenFile(path.c_str(), "rb");
-  if (!file) return false;
-  std::fclose(file);
-  return true;
-}
-
-// Tries a candidate as it stands and, where it holds backslashes, with them turned into "/".
-bool Found(const std::string& candidate, std::string& fullPath) {
-  if (Opens(candidate)) {
-    fullPath = candidate;
-    return true;
-  }
-  if (candidate.find('\\') == std::string::npos) return false;
-  std::string turned = candidate;
-  std::replace(turned.begin(), turned.end(), '\\', '/');
-  if (!Opens(turned)) return false;
-  fullPath = turned;
-  return true;
-}
-
 std::string Joined(const std::string& folder, const std::string& name) {
   std::string path = folder;
   if (path.empty() || !IsSeparator(path.back())) path += platform::kSeparator;
@@ -113,12 +93,12 @@ bool ORVFindConfigFile(const char* fileName, std::string& fullPath) {
   const std::string name = fileName;  // the caller's pointer may lie in fullPath
   fullPath.clear();
   const std::string& configPath = Globals().configPath;
-  if (!configPath.empty() && Found(Joined(configPath, name), fullPath)) return true;
-  if (HoldsSeparator(name) && Found(name, fullPath)) return true;
-  if (Found(Joined(FolderOf(platform::ModulePath()), name), fullPath)) return true;
+  if (!configPath.empty() && internal::FindReadableFile(Joined(configPath, name), fullPath)) return true;
+  if (HoldsSeparator(name) && internal::FindReadableFile(name, fullPath)) return true;
+  if (internal::FindReadableFile(Joined(FolderOf(platform::ModulePath()), name), fullPath)) return true;
   const std::string executableFolder = FolderOf(platform::ExecutablePath());
-  if (Found(Joined(executableFolder, name), fullPath)) return true;
-  if (Found(Joined(Joined(executableFolder, "../Config/"), name), fullPath)) return true;
+  if (internal::FindReadableFile(Joined(executableFolder, name), fullPath)) return true;
+  if (internal::FindReadableFile(Joined(Joined(executableFolder, "../Config/"), name), fullPath)) return true;
   return shr::LocateFile(name.c_str(), fullPath);
 }
 

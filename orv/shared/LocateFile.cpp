@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "orv/core/Platform.h"
+#include "orv/core/internal/ReadableFile.h"
 
 #ifndef ORV_INSTALL_PREFIX
 #define ORV_INSTALL_PREFIX ""
@@ -15,24 +16,8 @@ namespace {
 
 namespace platform = orv::platform;
 
-bool Opens(const std::string& path) {
-  std::FILE* const file = platform::OpenFile(path.c_str(), "rb");
-  if (!file) return false;
-  std::fclose(file);
-  return true;
-}
-
-// Tries a candidate as it stands and, where it holds backslashes, with them turned into "/".
 bool Found(const std::string& folder, const char* name, std::string& path) {
-  if (folder.empty()) return false;
-  std::string candidate = folder + platform::kSeparator + name;
-  if (!Opens(candidate)) {
-    if (candidate.find('\\') == std::string::npos) return false;
-    std::replace(candidate.begin(), candidate.end(), '\\', '/');
-    if (!Opens(candidate)) return false;
-  }
-  path = candidate;
-  return true;
+  return !folder.empty() && orv::internal::FindReadableFile(folder + platform::kSeparator + name, path);
 }
 
 std::string FolderOf(const std::string& file) {
