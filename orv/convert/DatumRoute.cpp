@@ -1,10 +1,32 @@
 #include "orv/convert/DatumRoute.h"
 
+#include "orv/core/ORVGlobals.h"
 #include "orv/datum/DatumConverter.h"
 #include "orv/datum/DatumList.h"
+#include "orv/datum/GridFiles.h"
+#include "orv/datum/GridShift.h"
 #include "orv/datum/internal/RoutePlanner.h"
 
 namespace orv {
+
+namespace {
+
+/// Says of a step that needs grids which they are and whether they are there, by loading or finding them as a
+/// conversion would.
+void TellGrids(DatumStep& step) {
+  const DatumMethod method = step.datum.GetMethod();
+  if (method == DatumMethodNADCON) {
+    const char* const folder = ORVGetNadconGridPath();
+    step.grids = folder ? folder : "NADGRIDS.ZIP, or .los with .las files, in one of the usual folders";
+    step.gridsFound = internal::Grids().LoadNadcon();
+  } else if (method == DatumMethodNTV2) {
+    const char* const name = ORVGetNTv2GridFile();
+    step.gridsFound = name && ORVFindConfigFile(name, step.grids);
+    if (!step.gridsFound) step.grids = name ? name : "an NTv2 file, whose name is not set";
+  }
+}
+
+}  // namespace
 
 std::vector<DatumStep> ORVPlanDatumRoute(const DatumDef& from, const DatumDef& to) {
   DatumConverter(&from, &to).Initialize();  // raises when there is no way
@@ -20,6 +42,7 @@ std::vector<DatumStep> ORVPlanDatumRoute(const DatumDef& from, const DatumDef& t
       step.datum = *planned.datum;
       const int target = known.FindSpecial(step.datum.GetParameters()->target, known.First());
       if (target != 0) step.target = *known.Enum(target);
+      TellGrids(step);
     }
     steps.push_back(step);
   }

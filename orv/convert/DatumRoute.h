@@ -20,6 +20,10 @@ struct DatumStep {
   Direction direction = Nothing;
   DatumDef datum;   ///< whose method runs; empty for Nothing
   DatumDef target;  ///< the known datum with the special value that is the method's target; empty for Nothing
+
+  /// Of NADCON and NTV2: the grid file or folder, or when nothing is there what was looked for; else "".
+  std::string grids;
+  bool gridsFound = true;  ///< false when the step will fail for want of grids
 };
 
 /// The steps that DatumConverter::Initialize plans with all methods allowed, in their order.

@@ -10,6 +10,8 @@
 #include "orv/core/internal/Text.h"
 #include "orv/core/internal/Trace.h"
 #include "orv/datum/DatumList.h"
+#include "orv/datum/GridFiles.h"
+#include "orv/datum/GridShift.h"
 #include "orv/projection/ProjectionDef.h"
 #include "orv/system/CSList.h"
 #include "orv/system/ORVDef.h"
@@ -65,6 +67,8 @@ const Setting kSettings[] = {
     {"EnableCSMIFaceForProjection", [](const std::string& v) { Globals().csMapForProjection = IsTrue(v); }},
     {"EnableCSMIFaceForDatumConversion",
      [](const std::string& v) { Globals().csMapForDatumConversion = IsTrue(v); }},
+    {"NTv2GridFile", [](const std::string& v) { ORVSetNTv2GridFile(v.c_str()); }},
+    {"NadconGridPath", [](const std::string& v) { ORVSetNadconGridPath(v.c_str()); }},
 };
 
 /// Pairs key = value up to the end of the file or to whatever is no pair.  Unknown keys are skipped with their
@@ -187,6 +191,7 @@ void ORVShutdown() {
   ORVKnownAngularUnitsList.Flush();
   ORVKnownLinearUnitsList.Flush();
   ORVKnownMeridiansList.Flush();
+  internal::ReleaseGrids();
 }
 
 unsigned int ORVReferenceCount() { return Globals().referenceCount; }

@@ -22,7 +22,7 @@ namespace orv {
 ORV_API void ORVInitialize(const char* configPath, bool bThrowIfFileMissing);
 
 /// Counts down; at 0 empties the known lists: systems, datums, ellipsoids, angular units, linear units,
-/// meridians.
+/// meridians.  Loaded grids are released; the next conversion that needs them loads them again.
 ///
 /// Deliberate: a surplus call empties them again and leaves the count at 0; ORVActive, the configuration path,
 /// the two switches and the error state stay as they are.

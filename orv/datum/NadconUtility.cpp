@@ -7,6 +7,7 @@
 #include "orv/core/Platform.h"
 #include "orv/core/internal/Marker.h"
 #include "orv/core/internal/Text.h"
+#include "orv/core/internal/Trace.h"
 #include "orv/datum/ZipReader.h"
 
 namespace orv::internal {
@@ -29,6 +30,11 @@ std::string LasOf(const std::string& losName) {
   return losName.substr(0, losName.size() - kExtension) + ".las";
 }
 
+/// Failures of an archive are no failures of the library: loose grids may follow.
+void TraceTrouble(const std::string& name, const ZipReader& zip) {
+  Trace("%s: %s\n", name.c_str(), zip.Trouble());
+}
+
 }  // namespace
 
 bool NadconUtility::LoadGrids(const std::string& folder) {
@@ -45,7 +51,10 @@ bool NadconUtility::LoadGrids(const std::string& folder) {
 
 bool NadconUtility::LoadZippedGrids(const std::string& archive) {
   ZipReader zip;
-  if (zip.Open(archive) != ZipDone) return false;
+  if (zip.Open(archive) != ZipDone) {
+    TraceTrouble(archive, zip);
+    return false;
+  }
   std::map<std::string, int, NameLess> members;  // the first of each name
   for (int i = 0; i < zip.CountFiles(); ++i) members.emplace(zip.Name(i), i);
   std::vector<unsigned char> los, las;
@@ -55,7 +64,10 @@ bool NadconUtility::LoadZippedGrids(const std::string& archive) {
     if (partner == members.end()) continue;
     const int k = partner->second;
     if (zip.UncompressedSize(k) != zip.UncompressedSize(i)) continue;
-    if (zip.ExtractToMemory(i, los) != ZipDone || zip.ExtractToMemory(k, las) != ZipDone) continue;
+    if (zip.ExtractToMemory(i, los) != ZipDone || zip.ExtractToMemory(k, las) != ZipDone) {
+      TraceTrouble(zip.Name(i), zip);
+      continue;
+    }
     MemoryReader losReader(los.data(), los.size()), lasReader(las.data(), las.size());
     Append(losReader, lasReader, zip.Name(i));
   }

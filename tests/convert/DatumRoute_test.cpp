@@ -4,8 +4,11 @@
 
 #include "orv/core/internal/Fail.h"
 #include "orv/datum/DatumConverter.h"
+#include "orv/datum/GridFiles.h"
+#include "tests/support/GridBytes.h"
 #include "tests/support/KnownDatums.h"
 #include "tests/support/Raises.h"
+#include "tests/support/TempFolder.h"
 
 namespace orv {
 namespace {
@@ -41,6 +44,47 @@ TEST_F(DatumRoute, EqualDatumsNeedNothing) {
   ASSERT_EQ(steps.size(), 1u);
   EXPECT_EQ(steps[0].direction, DatumStep::Nothing);
   EXPECT_TRUE(steps[0].datum.IsUnknown());
+}
+
+TEST_F(DatumRoute, StepsThatNeedGridsSayWhetherTheyAreThere) {
+  DatumParameters p;
+  p.method = DatumMethodNone;
+  p.target = DatumTargetWGS84;
+  p.ellipsoid = test::Wgs84Ellipsoid();
+  DatumDef nad83(&p, 6269);
+  nad83.SetSpecial(DatumTargetNAD83);
+  nad83.SetToken("NAD83");
+  nad83.SetName("North American Datum 1983");
+  ORVKnownDatumsList.Add(nad83, 0);
+  p = DatumParameters();
+  p.method = DatumMethodNADCON;
+  p.target = DatumTargetNAD83;
+  const DatumDef nadcon(&p, 0);
+  p.method = DatumMethodNTV2;
+  const DatumDef ntv2(&p, 0);
+
+  const test::TempFolder folder;
+  ORVSetNadconGridPath(folder.Path().c_str());
+  ORVSetNTv2GridFile("no such file.gsb");
+  DatumStep step = ORVPlanDatumRoute(nadcon, nad83).at(0);
+  EXPECT_FALSE(step.gridsFound);
+  EXPECT_EQ(step.grids, folder.Path());
+  EXPECT_STREQ(step.target.GetToken(), "NAD83");
+  step = ORVPlanDatumRoute(ntv2, nad83).at(0);
+  EXPECT_FALSE(step.gridsFound);
+  EXPECT_EQ(step.grids, "no such file.gsb");
+
+  const auto one = [](int, int) { return 1.0F; };
+  folder.Write("a.los", test::NadconFile({}, one));
+  folder.Write("a.las", test::NadconFile({}, one));
+  const std::string file = folder.Write("x.gsb", "found, whatever is in it");
+  ORVSetNTv2GridFile(file.c_str());
+  EXPECT_TRUE(ORVPlanDatumRoute(nadcon, nad83).at(0).gridsFound);
+  step = ORVPlanDatumRoute(ntv2, nad83).at(0);
+  EXPECT_TRUE(step.gridsFound);
+  EXPECT_EQ(step.grids, file);
+  ORVSetNadconGridPath(nullptr);
+  ORVSetNTv2GridFile("ntv2_0.gsb");
 }
 
 TEST_F(DatumRoute, WhereThereIsNoWayItRaisesAsTheConverterDoes) {

@@ -10,6 +10,8 @@
 #include "orv/core/internal/Fail.h"
 #include "orv/core/internal/Globals.h"
 #include "orv/datum/DatumList.h"
+#include "orv/datum/GridFiles.h"
+#include "orv/datum/GridShift.h"
 #include "orv/projection/ProjectionDef.h"
 #include "orv/system/CSList.h"
 #include "orv/system/ORVDef.h"
@@ -18,6 +20,7 @@
 #include "orv/tables/LinearUnits.h"
 #include "orv/tables/Meridians.h"
 #include "tests/support/CommaLocale.h"
+#include "tests/support/GridBytes.h"
 #include "tests/support/Raises.h"
 #include "tests/support/TempFolder.h"
 
@@ -327,6 +330,31 @@ TEST_F(Settings, WhatIsNoPairEndsTheFile) {
   Expect("EnableCSMIFaceForProjection=true\nEnableCSMIFaceForDatumConversion", true, false);
   Expect("EnableCSMIFaceForProjection=true\nEnableCSMIFaceForDatumConversion=", true, true, true);
   Expect("", true, true, true);
+}
+
+TEST_F(Settings, GridFilesAreNamed) {
+  Read("NTv2GridFile=other.gsb ntv2gridfile = 'my grid.gsb'\nNADCONGRIDPATH=\"/grids/nadcon\"");
+  EXPECT_STREQ(ORVGetNTv2GridFile(), "my grid.gsb");
+  EXPECT_STREQ(ORVGetNadconGridPath(), "/grids/nadcon");
+  Read("NTv2GridFile=\"\" NadconGridPath=\"\"");
+  EXPECT_EQ(ORVGetNTv2GridFile(), nullptr);
+  EXPECT_EQ(ORVGetNadconGridPath(), nullptr);
+}
+
+TEST_F(Settings, ShutdownReleasesTheGrids) {
+  const test::TempFolder folder;
+  const test::NadconLayout layout;
+  const auto one = [](int, int) { return 1.0F; };
+  folder.Write("a.los", test::NadconFile(layout, one));
+  const std::string las = folder.Write("a.las", test::NadconFile(layout, one));
+  Start();
+  ORVSetNadconGridPath(folder.Path().c_str());
+  EXPECT_TRUE(internal::Grids().LoadNadcon());
+  std::filesystem::remove(las);
+  EXPECT_TRUE(internal::Grids().LoadNadcon()) << "loaded once, they stay";
+  ORVShutdown();
+  EXPECT_FALSE(internal::Grids().LoadNadcon()) << "loaded anew, they are gone";
+  ORVSetNadconGridPath(nullptr);
 }
 
 TEST_F(Settings, WithoutTheFileEverythingStays) {

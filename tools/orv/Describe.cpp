@@ -164,6 +164,10 @@ Json DescribeRoute(const std::vector<DatumStep>& steps) {
       json["direction"] = step.direction == DatumStep::Forward ? "forward" : "backward";
       json["datum"] = DescribeDatum(step.datum);
       if (!step.target.GetEllipsoid()->IsUnknown()) json["target"] = DescribeDatum(step.target);
+      if (!step.grids.empty()) {
+        json["grids"] = step.grids;
+        json["gridsFound"] = step.gridsFound;
+      }
     }
     route.push_back(json);
   }
