@@ -1,16 +1,14 @@
 // ProjCassini.h: Cassini (Cassini-Soldner), sphere and ellipsoid.
 //
 // Source      Snyder 1987 [Sny87], section 13: sphere (8-5), (13-1) to (13-6); ellipsoid (13-7) to (13-13),
-// with
-//             (3-21) and (3-26).
+//             with (3-21) and (3-26).
 // Input       lambda, phi in radians.   Output  x, y in the unit of a, before false origin and scale.
 // Set-up      e2, e'2, the meridian arc and M0; see the members.
 // Marks       forward nothing.  Inverse, sphere: |x| > a (pi/2) (1 + 1e-9), inside that clamped; |y| beyond
-// 1e15
-//             radii.  Inverse, ellipsoid: a latitude more than 1e-9 rad beyond a pole; |x| beyond 1e20 radii.
-// Departures  none.  lambda - Lon0 is not wrapped.  At phi = +-pi/2 the series are not evaluated: x = 0, y =
-// M - M0; in
-//             the inverse a footpoint at or beyond a pole is the pole, at longitude Lon0.
+//             1e15 radii.  Inverse, ellipsoid: a latitude more than 1e-9 rad beyond a pole; |x| beyond 1e20
+//             radii.
+// Departures  none.  lambda - Lon0 is not wrapped.  At phi = +-pi/2 the series are not evaluated: x = 0,
+//             y = M - M0; in the inverse a footpoint at or beyond a pole is the pole, at longitude Lon0.
 #pragma once
 
 #include "orv/lanes/LaneMath.h"

@@ -4,7 +4,6 @@
 #include <limits>
 
 #include "orv/core/internal/Angle.h"
-#include "orv/lanes/Dispatch.h"
 #include "orv/projection/internal/ProjEngine.h"
 
 ORV_UNIT("ProjHotine")
@@ -14,24 +13,9 @@ namespace orv {
 namespace {
 
 using internal::kPi;
-using internal::RunKernel;
 
-const lanes::EngineKernels<Hotine>& Kernels() { return lanes::Kernels().hotine; }
-
-class ProjectorHotine final
-    : public internal::Engine<ProjectorHotine, internal::InsideHotine, internal::SplitNowhere> {
- public:
-  void SetParameters(const ProjectionParameters& radians) override;
-  bool Forward(shr::Vec2d* pts, size_t n) override {
-    return RunKernel(Kernels().forward, m_Constants, pts, n, ORV_SITE);
-  }
-  bool Inverse(shr::Vec2d* pts, size_t n) override {
-    return RunKernel(Kernels().inverse, m_Constants, pts, n, ORV_SITE);
-  }
-
- private:
-  Hotine m_Constants{};
-};
+constexpr internal::EngineRow<Hotine> kRow = {kUnit, &lanes::KernelTable::hotine, internal::InsideHotine,
+                                              internal::SplitNowhere};
 
 // What both forms of the central line share.
 struct CentralLine {
@@ -101,41 +85,31 @@ bool LineByPoints(const ProjectionParameters& p, double e, double B, double D, d
   return true;
 }
 
-void ProjectorHotine::SetParameters(const ProjectionParameters& radians) {
-  ProjActor::SetParameters(radians);
-  const ProjectionParameters& p = m_Parameters;
+bool SetUp(ProjectionParameters& p, Hotine& c) {
   const double a = p.ellipsoid.GetMajorRadius(), f = p.ellipsoid.GetFlattening();
   const double e = std::sqrt(2.0 * f - f * f);
   if (e * e == 1.0) {
-    ORV_FAIL(ErrCorrupt,
-             "Undefined mathematical result during projection.  Square of ellipsoid eccentricity value must "
-             "not be "
-             "exactly one.");
-    return;
+    return ORV_FAIL(
+        ErrCorrupt,
+        "Undefined mathematical result during projection.  Square of ellipsoid eccentricity value must not "
+        "be exactly one.");
   }
   const double e2 = e * e;
   const double sin0 = std::sin(p.Lat0), cos0 = std::cos(p.Lat0);
   const double cos0p4 = cos0 * cos0 * cos0 * cos0;
   const double B = std::sqrt(1.0 + e2 * cos0p4 / (1.0 - e2));  // (9-11)
   const double w = 1.0 - e2 * sin0 * sin0;
-  if (w == 0.0) {
-    FailOnZeroTerm(__LINE__);
-    return;
-  }
+  if (w == 0.0) return FailOnZeroTerm(__LINE__);
   const double A = a * B * p.K0 * std::sqrt(1.0 - e2) / w;  // (9-12)
   const double t0 = SmallT(e, p.Lat0);                      // (9-13)
-  if (std::sqrt(w) * cos0 == 0.0) {
-    FailOnZeroTerm(__LINE__);
-    return;
-  }
+  if (std::sqrt(w) * cos0 == 0.0) return FailOnZeroTerm(__LINE__);
   const double DRaw = B * std::sqrt(1.0 - e2) / (cos0 * std::sqrt(w));  // (9-14)
   const double D = DRaw * DRaw < 1.0 ? 1.0 : DRaw;
 
   CentralLine line{};
-  if (!(p.bUseAlpha ? LineByAzimuth(p, B, D, t0, line) : LineByPoints(p, e, B, D, t0, line))) return;
-  m_Parameters.Alpha = line.azimuth;
+  if (!(p.bUseAlpha ? LineByAzimuth(p, B, D, t0, line) : LineByPoints(p, e, B, D, t0, line))) return false;
+  p.Alpha = line.azimuth;
 
-  Hotine c{};
   c.e = e;
   c.A = A;
   c.B = B;
@@ -158,11 +132,11 @@ void ProjectorHotine::SetParameters(const ProjectionParameters& radians) {
       arePoles ? std::numeric_limits<double>::quiet_NaN() : PoleV(A / B, kPi / 4.0 + line.gamma0 / 2.0);
   c.rotate = p.bRotate;
   c.offsetU = p.bUOffset;
-  m_Constants = c;
+  return true;
 }
 
 }  // namespace
 
-std::unique_ptr<ProjActor> internal::MakeProjectorHotine() { return std::make_unique<ProjectorHotine>(); }
+std::unique_ptr<ProjActor> internal::MakeProjectorHotine() { return MakeEngine(kRow, &SetUp); }
 
 }  // namespace orv

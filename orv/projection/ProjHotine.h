@@ -4,10 +4,10 @@
 // Input       lambda, phi in radians.   Output  x, y in the unit of a, before false origin and scale.
 // Set-up      A, B, E, gamma_0, lambda_0, azimuth and uc; see the members.
 // Marks       forward: |U| = 1, where v is infinite.  Inverse: K0 = 0; |u| beyond 1e15 radii; no convergence
-// in 100 steps. Departures  Not rotated, x is u and y is v.  lambda - lambda_0 is brought into (-180, 180]
-// degrees, since B is not 1.
-//             At phi = +-pi/2 the closed forms of the notes to (9-30) and (9-31).  |U| = 1 in the inverse is
-//             the pole, at longitude lambda_0.
+//             in 100 steps.
+// Departures  Not rotated, x is u and y is v.  lambda - lambda_0 is brought into (-180, 180] degrees, since B
+//             is not 1.  At phi = +-pi/2 the closed forms of the notes to (9-30) and (9-31).  |U| = 1 in the
+//             inverse is the pole, at longitude lambda_0.
 #pragma once
 
 #include "orv/lanes/LaneMath.h"

@@ -1,15 +1,14 @@
 // ProjMercator.h: Mercator, sphere and ellipsoid.
 //
-// Source      Snyder 1987 [Sny87], section 7, equations (7-1), (7-2), (7-4), (7-5); (7-6), (7-7), (7-9),
-// (7-10). Input       lambda, phi in radians.   Output  x, y in the unit of a, before false origin and scale.
+// Source      Snyder 1987 [Sny87], section 7, sphere (7-1), (7-2), (7-4), (7-5); ellipsoid (7-6),
+//             (7-7), (7-9), (7-10).
+// Input       lambda, phi in radians.   Output  x, y in the unit of a, before false origin and scale.
 // Set-up      k; see the members.
 // Marks       sphere: |phi| >= 1.5707963267948963; ellipsoid: |phi| > 1.5707963267948963, and |sin phi|
-// exactly 1
-//             (in doubles that is |phi| > pi/2 - 1.05e-8); everything when `nowhere`.
+//             exactly 1 (in doubles that is |phi| > pi/2 - 1.05e-8); everything when `nowhere`.
 // Departures  Deliberate: the inverse of the ellipsoid takes powers of 2.71828, not of e, which shifts
-// latitudes by up to
-//             2.5e-5 degrees, and its iteration stops at 1.1920928955078125e-6 rad.  y is counted from the
-//             Equator: Lat0 is the latitude of true scale.
+//             latitudes by up to 2.5e-5 degrees, and its iteration stops at 1.1920928955078125e-6 rad.  y is
+//             counted from the Equator: Lat0 is the latitude of true scale.
 #pragma once
 
 #include "orv/lanes/LaneMath.h"
@@ -50,8 +49,9 @@ inline Point Forward(const Mercator& c, Point p) {
     return {x, Except(y, !inside, kNaN)};
   }
   // (7-7): (a/2) k ln(((1 + sin phi)/(1 - sin phi)) ((1 - e sin phi)/(1 + e sin phi))^e), in a form that does
-  // not cancel near the poles: ln((1 + sin phi)/(1 - sin phi))/2 is ln tan(pi/4 + phi/2), and (e/2) ln((1 - e
-  // sin phi)/(1 + e sin phi)) is -e artanh(e sin phi).  1 + sin phi = 0 gives ln 0: marked too.
+  // not cancel near the poles: ln((1 + sin phi)/(1 - sin phi))/2 is ln tan(pi/4 + phi/2), and
+  // (e/2) ln((1 - e sin phi)/(1 + e sin phi)) is -e artanh(e sin phi).  1 + sin phi = 0 gives ln 0: marked
+  // too.
   const Lanes y = c.a * c.k * (LogTan(t) - EAtanh(c.e, t.sin));
   const Mask plotted = inside & (abs(t.sin) != 1.0);
   return {x, Except(y, !plotted, kNaN)};

@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "orv/lanes/Dispatch.h"
 #include "orv/projection/internal/ProjEngine.h"
 
 ORV_UNIT("ProjObliqueMercator")
@@ -11,28 +10,10 @@ namespace orv {
 
 namespace {
 
-using internal::RunKernel;
+constexpr internal::EngineRow<ObliqueMercator> kRow = {
+    kUnit, &lanes::KernelTable::obliqueMercator, internal::InsideObliqueMercator, internal::SplitAtWindow};
 
-const lanes::EngineKernels<ObliqueMercator>& Kernels() { return lanes::Kernels().obliqueMercator; }
-
-class ProjectorObliqueMercator final
-    : public internal::Engine<ProjectorObliqueMercator, internal::InsideObliqueMercator,
-                              internal::SplitAtWindow> {
- public:
-  void SetParameters(const ProjectionParameters& radians) override;
-  bool Forward(shr::Vec2d* pts, size_t n) override {
-    return RunKernel(Kernels().forward, m_Constants, pts, n, ORV_SITE);
-  }
-  bool Inverse(shr::Vec2d* pts, size_t n) override {
-    return RunKernel(Kernels().inverse, m_Constants, pts, n, ORV_SITE);
-  }
-
- private:
-  ObliqueMercator m_Constants{};
-};
-
-void ProjectorObliqueMercator::SetParameters(const ProjectionParameters& radians) {
-  ProjActor::SetParameters(radians);
+bool SetUp(ProjectionParameters& radians, ObliqueMercator& c) {
   const double sin1 = std::sin(radians.Lat1), cos1 = std::cos(radians.Lat1);
   const double sin2 = std::sin(radians.Lat2), cos2 = std::cos(radians.Lat2);
   const double lambda1 = radians.Lon1, lambda2 = radians.Lon2;
@@ -41,26 +22,22 @@ void ProjectorObliqueMercator::SetParameters(const ProjectionParameters& radians
                                     sin1 * cos2 * std::sin(lambda2) - cos1 * sin2 * std::sin(lambda1));
   const double tan1 = std::tan(radians.Lat1);
   if (tan1 == 0.0) {
-    ORV_FAIL(ErrCorrupt,
-             "Undefined mathematical result during projection.  Unexpected zero value in intermediate "
-             "calculation.");
-    return;
+    return ORV_FAIL(ErrCorrupt,
+                    "Undefined mathematical result during projection.  Unexpected zero value in intermediate "
+                    "calculation.");
   }
   // (9-2).  Deliberate: whichever of the two poles comes out; the source takes the northern one.
   const double phiP = std::atan(-std::cos(lambdaP - lambda1) / tan1);
 
-  ObliqueMercator c{};
   c.rk = radians.K0 * radians.ellipsoid.GetMajorRadius();
   c.sinPhiP = std::sin(phiP);
   c.cosPhiP = std::cos(phiP);
   c.lon0 = lambdaP + 1.5707963267948966;
-  m_Constants = c;
+  return true;
 }
 
 }  // namespace
 
-std::unique_ptr<ProjActor> internal::MakeProjectorObliqueMercator() {
-  return std::make_unique<ProjectorObliqueMercator>();
-}
+std::unique_ptr<ProjActor> internal::MakeProjectorObliqueMercator() { return MakeEngine(kRow, &SetUp); }
 
 }  // namespace orv

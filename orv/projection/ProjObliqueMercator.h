@@ -4,11 +4,9 @@
 // Input       lambda, phi in radians.   Output  x, y in the unit of a, before false origin and scale.
 // Set-up      the pole of the oblique graticule, whichever of the two comes out.
 // Marks       forward: |A| >= 1, the two poles of the oblique graticule.  Inverse: only |x| beyond 1e15
-// radii, and
-//             K0 = 0.
+//             radii, and K0 = 0.
 // Departures  Deliberate: the source takes the northern pole; here a southern pole gives the map turned by
-// 180
-//             degrees.  A pole of the sphere comes back at longitude lambda_p + pi/2.
+//             180 degrees.  A pole of the sphere comes back at longitude lambda_p + pi/2.
 #pragma once
 
 #include "orv/lanes/LaneMath.h"
@@ -47,8 +45,8 @@ inline Point Inverse(const ObliqueMercator& c, Point p) {
   const SinhCosh y = sinhcosh(Clamp(p.y * (1.0 / Divisor(c.rk)), kLargestHyperbolic));
   const Lanes n = c.sinPhiP * x.sin - c.cosPhiP * y.sinh;
   const Lanes root = sqrt(n * n + x.cos * x.cos);
-  // (9-9): asin(sin phi_p tanh y' + cos phi_p sin x'/cosh y'), as an angle with its cosine, both times cosh
-  // y'
+  // (9-9): asin(sin phi_p tanh y' + cos phi_p sin x'/cosh y'), as an angle with its cosine, both times
+  // cosh y'
   const Lanes s = c.sinPhiP * y.sinh + c.cosPhiP * x.sin;
   const Lanes phi = atan2(s, root);
   const Lanes lambda = c.lon0 + atan2(n, x.cos);  // (9-10)

@@ -36,8 +36,7 @@ double ArcLength(const MeridianArc& m, double phi) {
          (m.c0 * phi - m.c2 * std::sin(2.0 * phi) + m.c4 * std::sin(4.0 * phi) - m.c6 * std::sin(6.0 * phi));
 }
 
-TransverseMercator MakeTransverseMercator(const ProjectionParameters& radians) {
-  TransverseMercator c{};
+bool SetUpTransverseMercator(ProjectionParameters& radians, TransverseMercator& c) {
   c.sphere = radians.ellipsoid.GetFlattening() == 0.0;
   c.a = radians.ellipsoid.GetMajorRadius();
   c.k0 = radians.K0;
@@ -47,7 +46,7 @@ TransverseMercator MakeTransverseMercator(const ProjectionParameters& radians) {
   c.ep2 = c.e2 / (1.0 - c.e2);  // (8-12)
   c.arc = MakeMeridianArc(c.a, c.e2);
   c.m0 = ArcLength(c.arc, c.lat0);
-  return c;
+  return true;
 }
 
 }  // namespace orv::internal

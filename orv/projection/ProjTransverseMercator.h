@@ -6,8 +6,7 @@
 // Input       lambda, phi in radians.   Output  x, y in the unit of a, before false origin and scale.
 // Set-up      e2, e'2, the meridian arc and M0; see the members.
 // Marks       sphere: |B| = |cos phi sin(lambda - Lon0)| exactly 1.  Inverse: K0 = 0; |x| beyond 1e20 radii
-// (the
-//             series would overflow); sphere: |y| beyond 1e15 radii; UTM: a latitude more than 1e-9 rad
+//             (the series would overflow); sphere: |y| beyond 1e15 radii; UTM: a latitude more than 1e-9 rad
 //             beyond a pole.
 // Departures  none.  lambda - Lon0 is not wrapped.  At phi = +-pi/2 the series are not evaluated: x = 0,
 //             y = K0 (M - M0); in the inverse a footpoint at or beyond a pole is the pole, at longitude Lon0.

@@ -1,6 +1,5 @@
 // UTM: the Transverse Mercator with one more term in each series of the inverse.  Its false origin is the
 // business of the definition and the Projector.
-#include "orv/lanes/Dispatch.h"
 #include "orv/projection/internal/ProjEngine.h"
 #include "orv/projection/internal/ProjSetUp.h"
 
@@ -10,30 +9,11 @@ namespace orv {
 
 namespace {
 
-using internal::RunKernel;
-
-const lanes::EngineKernels<TransverseMercator>& Kernels() { return lanes::Kernels().utm; }
-
-class ProjectorUTM final
-    : public internal::Engine<ProjectorUTM, internal::InsideWindow, internal::SplitAtWindow> {
- public:
-  void SetParameters(const ProjectionParameters& radians) override {
-    ProjActor::SetParameters(radians);
-    m_Constants = internal::MakeTransverseMercator(radians);
-  }
-  bool Forward(shr::Vec2d* pts, size_t n) override {
-    return RunKernel(Kernels().forward, m_Constants, pts, n, ORV_SITE);
-  }
-  bool Inverse(shr::Vec2d* pts, size_t n) override {
-    return RunKernel(Kernels().inverse, m_Constants, pts, n, ORV_SITE);
-  }
-
- private:
-  TransverseMercator m_Constants{};
-};
+constexpr internal::EngineRow<TransverseMercator> kRow = {kUnit, &lanes::KernelTable::utm,
+                                                          internal::InsideWindow, internal::SplitAtWindow};
 
 }  // namespace
 
-std::unique_ptr<ProjActor> internal::MakeProjectorUTM() { return std::make_unique<ProjectorUTM>(); }
+std::unique_ptr<ProjActor> internal::MakeProjectorUTM() { return MakeEngine(kRow, &SetUpTransverseMercator); }
 
 }  // namespace orv

@@ -19,7 +19,7 @@ MeridianArc MakeMeridianArc(double a, double e2);
 /// The arc from the Equator to phi, radians, in the unit of a: [Sny87] (3-21).
 double ArcLength(const MeridianArc& m, double phi);
 
-/// The constants of the Transverse Mercator and of UTM, of working parameters (radians).
-TransverseMercator MakeTransverseMercator(const ProjectionParameters& radians);
+/// The constants of the Transverse Mercator and of UTM, of working parameters (radians).  Always true.
+bool SetUpTransverseMercator(ProjectionParameters& radians, TransverseMercator& c);
 
 }  // namespace orv::internal
