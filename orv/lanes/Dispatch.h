@@ -16,6 +16,11 @@ struct Miller;
 struct EquidistantCylindrical;
 struct TransverseMercator;
 struct Cassini;
+struct LambertConformalConic;
+struct Albers;
+struct EquidistantConic;
+struct Polyconic;
+struct Bonne;
 struct ObliqueMercator;
 struct Hotine;
 struct Molodensky;
@@ -88,6 +93,11 @@ struct KernelTable {
   EngineKernels<Cassini> cassini;
   EngineKernels<ObliqueMercator> obliqueMercator;
   EngineKernels<Hotine> hotine;
+  EngineKernels<LambertConformalConic> lambertConformalConic;
+  EngineKernels<Albers> albers;
+  EngineKernels<EquidistantConic> equidistantConic;
+  EngineKernels<Polyconic> polyconic;
+  EngineKernels<Bonne> bonne;
 
   // ---- datum methods -------------------------------------------------------------------------------------
 

@@ -5,12 +5,17 @@
 #include "orv/datum/Regression.h"
 #include "orv/lanes/Dispatch.h"
 #include "orv/lanes/Frame.h"
+#include "orv/projection/ProjBonne.h"
 #include "orv/projection/ProjCassini.h"
+#include "orv/projection/ProjEquidistantConic.h"
 #include "orv/projection/ProjEquidistantCylindrical.h"
 #include "orv/projection/ProjHotine.h"
+#include "orv/projection/ProjLambertConformalConic.h"
 #include "orv/projection/ProjMercator.h"
 #include "orv/projection/ProjMiller.h"
 #include "orv/projection/ProjObliqueMercator.h"
+#include "orv/projection/ProjPolyconic.h"
+#include "orv/projection/ProjTranAlbers.h"
 #include "orv/projection/ProjTransverseMercator.h"
 
 #define ORV_PASTE_(a, b) a##b
@@ -60,6 +65,11 @@ const KernelTable ORV_PASTE(kTable_, ORV_ISA) = {
     ORV_ISA::kEngine<Cassini>,
     ORV_ISA::kEngine<ObliqueMercator>,
     ORV_ISA::kEngine<Hotine>,
+    ORV_ISA::kEngine<LambertConformalConic>,
+    ORV_ISA::kEngine<Albers>,
+    ORV_ISA::kEngine<EquidistantConic>,
+    ORV_ISA::kEngine<Polyconic>,
+    ORV_ISA::kEngine<Bonne>,
 
     ORV_ISA::RunShift<Molodensky>,
     ORV_ISA::RunShift<BursaWolf>,

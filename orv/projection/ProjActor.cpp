@@ -19,14 +19,19 @@ struct EngineRow {
 
 // clang-format off
 constexpr EngineRow kEngines[] = {
-    {ProjectionMethodCassini,                &internal::MakeProjectorCassini},
-    {ProjectionMethodEquidistantCylindrical, &internal::MakeProjectorEquiCyl},
-    {ProjectionMethodHotine,                 &internal::MakeProjectorHotine},
-    {ProjectionMethodMercator,               &internal::MakeProjectorMercator},
-    {ProjectionMethodMiller,                 &internal::MakeProjectorMiller},
-    {ProjectionMethodObliqueMercator,        &internal::MakeProjectorObliqueMercator},
-    {ProjectionMethodTransverseMercator,     &internal::MakeProjectorTransverseMercator},
-    {ProjectionMethodUTM,                    &internal::MakeProjectorUTM},
+    {ProjectionMethodAlbers,                  &internal::MakeProjectorAlbers},
+    {ProjectionMethodBonne,                   &internal::MakeProjectorBonne},
+    {ProjectionMethodCassini,                 &internal::MakeProjectorCassini},
+    {ProjectionMethodEquidistantConic,        &internal::MakeProjectorEquiConic},
+    {ProjectionMethodEquidistantCylindrical,  &internal::MakeProjectorEquiCyl},
+    {ProjectionMethodHotine,                  &internal::MakeProjectorHotine},
+    {ProjectionMethodLambert,                 &internal::MakeProjectorLambert},
+    {ProjectionMethodMercator,                &internal::MakeProjectorMercator},
+    {ProjectionMethodMiller,                  &internal::MakeProjectorMiller},
+    {ProjectionMethodObliqueMercator,         &internal::MakeProjectorObliqueMercator},
+    {ProjectionMethodPolyconic,               &internal::MakeProjectorPolyconic},
+    {ProjectionMethodTransverseMercator,      &internal::MakeProjectorTransverseMercator},
+    {ProjectionMethodUTM,                     &internal::MakeProjectorUTM},
 };
 // clang-format on
 

@@ -9,6 +9,11 @@ double EccentricitySquared(const ProjectionParameters& p) {
   return 2.0 * f - f * f;
 }
 
+double RadiusOfParallel(double e2, double phi) {
+  const double s = std::sin(phi);
+  return std::cos(phi) / std::sqrt(1.0 - e2 * s * s);
+}
+
 MeridianArc MakeMeridianArc(double a, double e2) {
   const double e4 = e2 * e2, e6 = e4 * e2;
   const double root = std::sqrt(1.0 - e2);

@@ -476,6 +476,198 @@ TEST(Formulas, SphericalCassiniRimIsClampedWithinOnePartInABillion) {
   EXPECT_EQ(points[6].y, -kHalfPi);
 }
 
+// ---- conics ----------------------------------------------------------------------------------------------
+
+struct ConePt {
+  double rho, theta;
+};
+ConePt ConeOf(double n, double rho0, Pt p) {  // (14-10), (14-11)
+  const double s = n < 0 ? -1 : 1;
+  return {s * sqrt(p.x * p.x + (rho0 - p.y) * (rho0 - p.y)), atan2(s * p.x, s * (rho0 - p.y))};
+}
+Pt ConePoint(double rho, double theta, double rho0) { return {rho * sin(theta), rho0 - rho * cos(theta)}; }
+
+double LambertRho(const orv::LambertConformalConic& c, double phi) {
+  if (c.sphere) return c.aF / pow(tan(kPi / 4 + phi / 2), c.n);
+  return c.aF * pow(ConformalT(c.e, phi), c.n);
+}
+Pt LambertForward(const orv::LambertConformalConic& c, Pt p) {
+  return ConePoint(LambertRho(c, p.y), c.n * (p.x - c.lon0), c.rho0);
+}
+Pt LambertInverse(const orv::LambertConformalConic& c, Pt p) {
+  const ConePt at = ConeOf(c.n, c.rho0, p);
+  const double lambda = c.lon0 + at.theta / c.n;
+  if (c.sphere) return {lambda, 2 * atan(pow(c.aF / at.rho, 1 / c.n)) - kHalfPi};
+  const double t = pow(at.rho / c.aF, 1 / c.n);
+  double phi = kHalfPi - 2 * atan(t);
+  for (int i = 0; i < 60; ++i) {
+    const double es = c.e * sin(phi);
+    phi = kHalfPi - 2 * atan(t * pow((1 - es) / (1 + es), c.e / 2));
+  }
+  return {lambda, phi};
+}
+
+TEST(Formulas, LambertConformalConicIsTheLiteralFormulaBothWays) {
+  for (const Ellipsoid el : {kClarke1866, kFlat, kSphere}) {
+    for (const double side : {1.0, -1.0}) {
+      const auto c = MakeLambert(el, -1.7, 0.4, side * 0.58, side * 0.79);
+      const auto area = Box(kPoints, -4.8, 1.4, -1.5, 1.5);
+      Compare(
+          "Lambert forward", c, K().lambertConformalConic.forward, area,
+          [&](Pt p) { return LambertForward(c, p); },
+          [&](Pt p) { return (abs(LambertRho(c, p.y)) + abs(c.rho0)) * 4e-15 / cos(p.y); });
+      Compare(
+          "Lambert inverse", c, K().lambertConformalConic.inverse, Images(K().lambertConformalConic, c, area),
+          [&](Pt p) { return LambertInverse(c, p); },
+          Always(2e-14 + 1e-12 * el.e2() / (1 - el.e2())));  // the stop at 1e-12 leaves e^2 of it
+    }
+  }
+}
+
+Pt AlbersForward(const orv::Albers& c, Pt p) {
+  const double w = c.C - c.n * AuthalicQ(c.e, p.y);
+  if (w < 0) return kMarked;
+  return ConePoint(c.a * sqrt(w) / c.n, c.n * (p.x - c.lon0), c.rho0);
+}
+Pt AlbersInverse(const orv::Albers& c, Pt p) {
+  const ConePt at = ConeOf(c.n, c.rho0, p);
+  const double lambda = c.lon0 + at.theta / c.n, e2 = c.e * c.e;
+  const double q = (c.C - pow(at.rho * c.n / c.a, 2)) / c.n;
+  if (abs(q) > c.qp * (1 + 1e-9)) return kMarked;
+  double phi = asin(std::clamp(q / 2, -1.0, 1.0));
+  for (int i = 0; i < 50 && !c.sphere; ++i) {  // (3-16)
+    const double s = sin(phi), es = c.e * s, w = 1 - es * es;
+    phi += w * w / (2 * cos(phi)) * (q / (1 - e2) - s / w + 1 / (2 * c.e) * log((1 - es) / (1 + es)));
+  }
+  return {lambda, phi};
+}
+
+TEST(Formulas, AlbersIsTheLiteralFormulaBothWays) {
+  for (const Ellipsoid el : {kClarke1866, kFlat, kSphere}) {
+    for (const double side : {1.0, -1.0}) {
+      const auto c = MakeAlbers(el, -1.7, 0.4, side * 0.51, side * 0.79);
+      const auto area = Box(kPoints, -4.8, 1.4, -1.4, 1.4);
+      Compare(
+          "Albers forward", c, K().albers.forward, area, [&](Pt p) { return AlbersForward(c, p); },
+          Always(el.a * 2e-14));
+      Compare(
+          "Albers inverse", c, K().albers.inverse, Images(K().albers, c, area),
+          [&](Pt p) { return AlbersInverse(c, p); }, Always(1e-13));
+    }
+  }
+}
+
+TEST(Formulas, AlbersInverseEndsAtThePoles) {
+  for (const Ellipsoid el : {kClarke1866, kFlat, kSphere}) {
+    const auto c = MakeAlbers(el, 0, 0.4, 0.51, 0.79);
+    const auto at = [&](double q) {  // due north or south of the apex
+      return Pt{0, c.rho0 - c.a * sqrt(c.C - c.n * q) / c.n};
+    };
+    std::vector<Pt> points = {at(c.qp),
+                              at(-c.qp),
+                              at(c.qp * (1 + 9e-10)),
+                              at(-c.qp * (1 + 9e-10)),
+                              at(c.qp * (1 + 2e-9)),
+                              at(-c.qp * (1 + 2e-9))};
+    K().albers.inverse(c, Data(points), points.size());
+    for (const std::size_t i : {0u, 1u, 2u, 3u}) {
+      EXPECT_NEAR(points[i].y, i % 2 == 0 ? kHalfPi : -kHalfPi, 1e-7);  // q is flat there
+      EXPECT_EQ(points[i].x, 0);
+    }
+    EXPECT_EQ(points[4].x, kMarker);
+    EXPECT_EQ(points[5].y, kMarker);
+  }
+}
+
+double LiteralFootpoint(const orv::MeridianArc& m, double M) {
+  const double mu = M / m.ac0;
+  return mu + m.f2 * sin(2 * mu) + m.f4 * sin(4 * mu) + m.f6 * sin(6 * mu) + m.f8 * sin(8 * mu);
+}
+
+TEST(Formulas, EquidistantConicIsTheLiteralFormulaBothWays) {
+  for (const Ellipsoid el : {kClarke1866, kFlat, kSphere}) {
+    for (const double side : {1.0, -1.0}) {
+      const auto c = MakeEquiConic(el, -1.7, 0.4, side * 0.51, side * 0.79);
+      const auto area = Box(kPoints, -4.8, 1.4, -1.57, 1.57);
+      Compare(
+          "Equidistant Conic forward", c, K().equidistantConic.forward, area,
+          [&](Pt p) { return ConePoint(c.aG - ArcTo(c.arc, p.y), c.n * (p.x - c.lon0), c.rho0); },
+          Always(el.a * 1e-14));
+      Compare(
+          "Equidistant Conic inverse", c, K().equidistantConic.inverse, Images(K().equidistantConic, c, area),
+          [&](Pt p) {
+            const ConePt at = ConeOf(c.n, c.rho0, p);
+            return Pt{c.lon0 + at.theta / c.n, LiteralFootpoint(c.arc, c.aG - at.rho)};
+          },
+          Always(1e-14));
+    }
+  }
+}
+
+Pt PolyconicForward(const orv::Polyconic& c, Pt p) {
+  const double L = p.x - c.lon0, s = sin(p.y), E = L * s;
+  if (p.y == 0) return {c.a * L, -c.m0};
+  const double N = c.a / sqrt(1 - c.e2 * s * s), cot = 1 / tan(p.y);
+  return {N * cot * sin(E), ArcTo(c.arc, p.y) - c.m0 + N * cot * (1 - cos(E))};
+}
+Pt PolyconicInverse(const orv::Polyconic& c, Pt p) {  // (18-18) to (18-22), with e2 = 0 (18-7) to (18-10)
+  const double A = (c.m0 + p.y) / c.a, x = p.x / c.a, B = x * x + A * A;
+  if (A == 0) return {c.lon0 + x, 0};
+  double phi = A, C = 0;
+  for (int i = 0; i < 50; ++i) {
+    const double s2 = sin(2 * phi), Ma = ArcTo(c.arc, phi) / c.a;
+    C = sqrt(1 - c.e2 * pow(sin(phi), 2)) * tan(phi);
+    const double M1 =
+        c.arc.c0 - 2 * c.arc.c2 * cos(2 * phi) + 4 * c.arc.c4 * cos(4 * phi) - 6 * c.arc.c6 * cos(6 * phi);
+    phi -= (A * (C * Ma + 1) - Ma - (Ma * Ma + B) * C / 2) /
+           (c.e2 * s2 * (Ma * Ma + B - 2 * A * Ma) / (4 * C) + (A - Ma) * (C * M1 - 2 / s2) - M1);
+  }
+  C = sqrt(1 - c.e2 * pow(sin(phi), 2)) * tan(phi);
+  return {c.lon0 + asin(x * C) / sin(phi), phi};
+}
+
+TEST(Formulas, PolyconicIsTheLiteralFormulaBothWays) {
+  for (const Ellipsoid el : {kClarke1866, kFlat, kSphere}) {
+    const auto c = MakePolyconic(el, -1.7, 0.4);
+    // the printed 1 - cos E over tan phi loses digits next to the Equator
+    Compare(
+        "Polyconic forward", c, K().polyconic.forward, Box(kPoints, -4.8, 1.4, -1.5, 1.5),
+        [&](Pt p) { return PolyconicForward(c, p); },
+        [&](Pt p) { return c.a * (4e-15 + 4e-16 / abs(sin(p.y))); });
+    Compare(
+        "Polyconic inverse", c, K().polyconic.inverse,
+        Images(K().polyconic, c, Box(kPoints, -2.7, -0.7, -1.3, 1.3)),
+        [&](Pt p) { return PolyconicInverse(c, p); },
+        [&](Pt p) { return 2e-13 + 1e-14 / abs(sin(PolyconicInverse(c, p).y)); });
+  }
+}
+
+TEST(Formulas, BonneIsTheLiteralFormulaBothWays) {
+  for (const Ellipsoid el : {kClarke1866, kFlat, kSphere}) {
+    for (const double lat1 : {0.7, -0.4}) {
+      const auto c = MakeBonne(el, -1.7, lat1);
+      const auto area = Box(kPoints, -4.8, 1.4, -1.5, 1.5);
+      Compare(
+          "Bonne forward", c, K().bonne.forward, area,
+          [&](Pt p) {
+            const double rho = c.apexArc - ArcTo(c.arc, p.y);
+            return ConePoint(rho, el.a * ParallelM(el, p.y) * (p.x - c.lon0) / rho, c.apex);
+          },
+          Always(el.a * 2e-14));
+      Compare(
+          "Bonne inverse", c, K().bonne.inverse, Images(K().bonne, c, area),
+          [&](Pt p) {
+            const ConePt at = ConeOf(c.apex, c.apex, p);
+            const double phi = LiteralFootpoint(c.arc, c.apexArc - at.rho);
+            return Pt{c.lon0 + at.rho * at.theta / (el.a * ParallelM(el, phi)), phi};
+          },
+          [&](Pt p) {
+            return 1e-14 + 1e-14 / cos(LiteralFootpoint(c.arc, c.apexArc - ConeOf(c.apex, c.apex, p).rho));
+          });
+    }
+  }
+}
+
 // ---- Oblique Mercator ------------------------------------------------------------------------------------
 
 Pt ObliqueForward(const orv::ObliqueMercator& c, Pt p) {

@@ -12,12 +12,17 @@
 #include "orv/datum/Molodensky.h"
 #include "orv/datum/Regression.h"
 #include "orv/lanes/Dispatch.h"
+#include "orv/projection/ProjBonne.h"
 #include "orv/projection/ProjCassini.h"
+#include "orv/projection/ProjEquidistantConic.h"
 #include "orv/projection/ProjEquidistantCylindrical.h"
 #include "orv/projection/ProjHotine.h"
+#include "orv/projection/ProjLambertConformalConic.h"
 #include "orv/projection/ProjMercator.h"
 #include "orv/projection/ProjMiller.h"
 #include "orv/projection/ProjObliqueMercator.h"
+#include "orv/projection/ProjPolyconic.h"
+#include "orv/projection/ProjTranAlbers.h"
 #include "orv/projection/ProjTransverseMercator.h"
 
 namespace lanetest {
@@ -79,6 +84,55 @@ inline orv::TransverseMercator MakeTm(Ellipsoid el, double k0, double lon0, doub
 inline orv::Cassini MakeCassini(Ellipsoid el, double lon0, double lat0) {
   const orv::MeridianArc arc = MakeArc(el);
   return {el.f == 0, el.a, lon0, lat0, el.e2(), el.e2() / (1 - el.e2()), arc, ArcTo(arc, lat0)};
+}
+
+// m of (14-15), t of (15-9) and q of (3-12), as printed.
+inline double ParallelM(Ellipsoid el, double phi) {
+  return std::cos(phi) / std::sqrt(1 - el.e2() * std::sin(phi) * std::sin(phi));
+}
+inline double ConformalT(double e, double phi) {
+  const double es = e * std::sin(phi);
+  return std::tan(kPi / 4 - phi / 2) / std::pow((1 - es) / (1 + es), e / 2);
+}
+inline double AuthalicQ(double e, double phi) {
+  const double s = std::sin(phi), es = e * s;
+  if (e == 0) return 2 * s;
+  return (1 - e * e) * (s / (1 - es * es) - 1 / (2 * e) * std::log((1 - es) / (1 + es)));
+}
+
+inline orv::LambertConformalConic MakeLambert(Ellipsoid el, double lon0, double lat0, double lat1,
+                                              double lat2) {
+  const double e = el.e(), t1 = ConformalT(e, lat1), m1 = ParallelM(el, lat1);
+  const double n =
+      (std::log(m1) - std::log(ParallelM(el, lat2))) / (std::log(t1) - std::log(ConformalT(e, lat2)));
+  const double aF = el.a * m1 / (n * std::pow(t1, n));
+  return {el.f == 0, e, lon0, n, aF, aF * std::pow(ConformalT(e, lat0), n)};
+}
+
+inline orv::Albers MakeAlbers(Ellipsoid el, double lon0, double lat0, double lat1, double lat2) {
+  const double e = el.e(), m1 = ParallelM(el, lat1), m2 = ParallelM(el, lat2), q1 = AuthalicQ(e, lat1);
+  const double n = (m1 * m1 - m2 * m2) / (AuthalicQ(e, lat2) - q1), C = m1 * m1 + n * q1;
+  const double rho0 = el.a * std::sqrt(C - n * AuthalicQ(e, lat0)) / n;
+  return {el.f == 0, el.a, e, lon0, n, C, rho0, AuthalicQ(e, kHalfPi), e == 0 ? 0 : 1 / (e * e)};
+}
+
+inline orv::EquidistantConic MakeEquiConic(Ellipsoid el, double lon0, double lat0, double lat1, double lat2) {
+  const orv::MeridianArc arc = MakeArc(el);
+  const double m1 = ParallelM(el, lat1), M1 = ArcTo(arc, lat1);
+  const double n = el.a * (m1 - ParallelM(el, lat2)) / (ArcTo(arc, lat2) - M1);
+  const double aG = el.a * m1 / n + M1;
+  return {el.f == 0, lon0, n, aG, aG - ArcTo(arc, lat0), arc};
+}
+
+inline orv::Polyconic MakePolyconic(Ellipsoid el, double lon0, double lat0) {
+  const orv::MeridianArc arc = MakeArc(el);
+  return {el.f == 0, el.a, lon0, el.e2(), arc, ArcTo(arc, lat0)};
+}
+
+inline orv::Bonne MakeBonne(Ellipsoid el, double lon0, double lat1) {
+  const orv::MeridianArc arc = MakeArc(el);
+  const double apex = el.a * ParallelM(el, lat1) / std::sin(lat1);
+  return {el.f == 0, el.a, lon0, el.e2(), apex, apex + ArcTo(arc, lat1), arc};
 }
 
 inline orv::ObliqueMercator MakeOblique(double a, double k0, double lon1, double lat1, double lon2,

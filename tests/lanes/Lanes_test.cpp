@@ -69,6 +69,17 @@ std::vector<Work> AllWork() {
     AddEngine(all, "utm" + of, MakeTm(el, 0.99, 0.01, 0.4), &KernelTable::utm, el.f == 0 ? world : zone);
     AddEngine(all, "cassini" + of, MakeCassini(el, 0.01, 0.4), &KernelTable::cassini,
               el.f == 0 ? world : zone);
+    for (const double side : {1.0, -1.0}) {  // cones with their apex in the north and in the south
+      const std::string where = of + (side > 0 ? " north" : " south");
+      AddEngine(all, "lambert" + where, MakeLambert(el, 0.2, 0.3, side * 0.5, side * 0.8),
+                &KernelTable::lambertConformalConic, world);
+      AddEngine(all, "albers" + where, MakeAlbers(el, 0.2, 0.3, side * 0.5, side * 0.8), &KernelTable::albers,
+                world);
+      AddEngine(all, "equidistant conic" + where, MakeEquiConic(el, 0.2, 0.3, side * 0.5, side * 0.8),
+                &KernelTable::equidistantConic, world);
+      AddEngine(all, "bonne" + where, MakeBonne(el, 0.2, side * 0.7), &KernelTable::bonne, world);
+    }
+    AddEngine(all, "polyconic" + of, MakePolyconic(el, 0.2, 0.3), &KernelTable::polyconic, world);
     AddEngine(all, "hotine azimuth" + of, MakeHotineAzimuth(el, 0.99, 0.4, 0.5, 0.6, true, true),
               &KernelTable::hotine, world);
     AddEngine(all, "hotine points" + of,

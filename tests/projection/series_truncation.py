@@ -1,10 +1,12 @@
 """How far a point misses itself on the way through a series and its inverse, at 40 digits: the tolerances of the cases
-TransverseMercatorEllipsoid, UTMEllipsoid and CassiniEllipsoid in CylindricalEngines_test.cpp.
+TransverseMercatorEllipsoid, UTMEllipsoid and CassiniEllipsoid in CylindricalEngines_test.cpp, and of those that come
+back by the footpoint series in ConicEngines_test.cpp and WorldEngines_test.cpp.  At the end how far the series of the
+arc puts the Equidistant Conic from the exact one: the bounds of tests/peer/ConicPeer_test.cpp.
 
 Series as printed: [Sny87] (8-9), (8-10), (8-17), (8-18), UTM with the next term of the last two; (13-7), (13-8), (13-10), (13-11); the
 meridian arc (3-21) and its inverse (3-26).  Run: python3 series_truncation.py
 """
-from mpmath import mp, mpf, sin, cos, tan, sqrt, hypot, radians, degrees, nstr
+from mpmath import mp, mpf, sin, cos, tan, sqrt, hypot, radians, degrees, nstr, ellipe
 
 mp.dps = 40
 f = 1 / mpf("298.257223563")
@@ -81,3 +83,43 @@ for name, forward, inverse, widest in (
             if miss > worst:
                 worst, at = miss, (lat, part)
     print(name, "within", widest, "degrees:", nstr(worst, 4), "degrees, at", at)
+
+worst, at = max((abs(degrees(footpoint(arc(radians(mpf(i) / 10))) - radians(mpf(i) / 10))), i / 10) for i in range(901))
+print("footpoint latitude of an arc:", nstr(worst, 4), "degrees, at", at)
+
+
+def equidistant_conic(a, f, lat0, lat1, lat2, south, north):
+    """The largest distance, metres, of the map by the series from that by the exact arc."""
+    e2 = 2 * f - f * f
+    lat0, lat1, lat2 = radians(mpf(lat0)), radians(mpf(lat1)), radians(mpf(lat2))
+    c = (1 - e2 / 4 - 3 * e2**2 / 64 - 5 * e2**3 / 256, 3 * e2 / 8 + 3 * e2**2 / 32 + 45 * e2**3 / 1024,
+         15 * e2**2 / 256 + 45 * e2**3 / 1024, 35 * e2**3 / 3072)
+
+    def series(p):
+        return a * (c[0] * p - c[1] * sin(2 * p) + c[2] * sin(4 * p) - c[3] * sin(6 * p))
+
+    def exact(p):
+        return a * (ellipe(p, e2) - e2 * sin(p) * cos(p) / sqrt(1 - e2 * sin(p)**2))
+
+    def m(p):
+        return cos(p) / sqrt(1 - e2 * sin(p)**2)
+
+    def point(M, p, L):
+        n = a * (m(lat1) - m(lat2)) / (M(lat2) - M(lat1))
+        G = a * m(lat1) / n + M(lat1)
+        return (G - M(p)) * sin(n * L), G - M(lat0) - (G - M(p)) * cos(n * L)
+
+    worst = 0
+    for lat in range(south, north + 1, 5):
+        for lon in range(0, 181, 30):
+            p, L = radians(mpf(lat)), radians(mpf(lon))
+            x, y = point(series, p, L)
+            X, Y = point(exact, p, L)
+            worst = max(worst, hypot(x - X, y - Y))
+    return worst
+
+
+for name, south, north in (("its own side", 0, 90), ("both sides", -90, 90)):
+    print("Equidistant Conic of the peer test, " + name + ":",
+          nstr(equidistant_conic(mpf("6377563.396"), 1 / mpf("299.3249646"), 23, 29.5, 45.5, south, north), 3), "m and",
+          nstr(equidistant_conic(mpf(6378137), 1 / mpf("298.257223563"), -31.5, -18, -36, -north, -south), 3), "m")

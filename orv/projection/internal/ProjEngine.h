@@ -124,12 +124,17 @@ std::unique_ptr<ProjActor> MakePlainEngine(const EngineRow<C>& row, ConstantsFun
   return std::make_unique<PlainEngine<C>>(row, constants);
 }
 
+std::unique_ptr<ProjActor> MakeProjectorAlbers();
+std::unique_ptr<ProjActor> MakeProjectorBonne();
 std::unique_ptr<ProjActor> MakeProjectorCassini();
+std::unique_ptr<ProjActor> MakeProjectorEquiConic();
 std::unique_ptr<ProjActor> MakeProjectorEquiCyl();
 std::unique_ptr<ProjActor> MakeProjectorHotine();
+std::unique_ptr<ProjActor> MakeProjectorLambert();
 std::unique_ptr<ProjActor> MakeProjectorMercator();
 std::unique_ptr<ProjActor> MakeProjectorMiller();
 std::unique_ptr<ProjActor> MakeProjectorObliqueMercator();
+std::unique_ptr<ProjActor> MakeProjectorPolyconic();
 std::unique_ptr<ProjActor> MakeProjectorTransverseMercator();
 std::unique_ptr<ProjActor> MakeProjectorUTM();
 

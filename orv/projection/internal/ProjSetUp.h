@@ -10,6 +10,9 @@ namespace orv::internal {
 /// The square of the eccentricity, 2 f - f^2.
 double EccentricitySquared(const ProjectionParameters& p);
 
+/// The radius of the parallel phi (radians), a = 1: cos phi / sqrt(1 - e2 sin^2 phi), m of [Sny87] (14-15).
+double RadiusOfParallel(double e2, double phi);
+
 /// The series of the meridian arc and of its inverse, [Sny87] (3-21), (3-24), (3-26), (7-19).
 ///
 /// @param a   major radius, metres.
