@@ -178,6 +178,52 @@ void RegisterEngines() {
                  "+proj=eqc +lat_ts=40 +R=6378137", [](P& p) { p.Lat1 = 40; });
 }
 
+void RegisterConicEngines() {
+  using P = orv::ProjectionParameters;
+  const Box america = {-160, -40, 5, 80};
+  const auto cone = [](P& p) { p.Lon0 = -96, p.Lat0 = 23, p.Lat1 = 29.5, p.Lat2 = 45.5; };
+  const std::string peerCone = " +lon_0=-96 +lat_0=23 +lat_1=29.5 +lat_2=45.5 +ellps=WGS84";
+  RegisterEngine("Lambert Conformal Conic", orv::ProjectionMethodLambert, america, "+proj=lcc" + peerCone,
+                 cone);
+  RegisterEngine("Albers", orv::ProjectionMethodAlbers, america, "+proj=aea" + peerCone, cone);
+  RegisterEngine("Equidistant Conic", orv::ProjectionMethodEquidistantConic, america, "+proj=eqdc" + peerCone,
+                 cone);
+  RegisterEngine("Polyconic", orv::ProjectionMethodPolyconic, america,
+                 "+proj=poly +lon_0=-96 +lat_0=23 +ellps=WGS84", cone);
+  RegisterEngine("Bonne", orv::ProjectionMethodBonne, america,
+                 "+proj=bonne +lon_0=-96 +lat_1=29.5 +ellps=WGS84", cone);
+}
+
+void RegisterAzimuthalEngines() {
+  using P = orv::ProjectionParameters;
+  const Box europe = {-30, 50, 20, 75};  // less than 60 degrees from the centre
+  const auto centre = [](P& p) { p.Lon0 = 10, p.Lat0 = p.Lat1 = 52; };
+  const std::string sphere = " +lon_0=10 +lat_0=52 +R=6378137";
+  RegisterEngine("Stereographic", orv::ProjectionMethodStereographic, europe,
+                 "+proj=stere +lon_0=10 +lat_0=52 +ellps=WGS84", centre);
+  RegisterEngine("Orthographic", orv::ProjectionMethodOrthographic, europe, "+proj=ortho" + sphere, centre);
+  RegisterEngine("Gnomonic", orv::ProjectionMethodGnomonic, europe, "+proj=gnom" + sphere, centre);
+  RegisterEngine("Azimuthal Equidistant", orv::ProjectionMethodAzimuthalEquidistant, europe,
+                 "+proj=aeqd" + sphere, centre);
+  RegisterEngine("Lambert Azimuthal", orv::ProjectionMethodLambertAzimuthal, europe, "+proj=laea" + sphere,
+                 centre);
+}
+
+void RegisterWorldEngines() {
+  using P = orv::ProjectionParameters;
+  const Box world = {-179, 179, -80, 80};
+  const auto plain = [](P&) {};
+  RegisterEngine("Sinusoidal", orv::ProjectionMethodSinusoidal, world, "+proj=sinu +ellps=WGS84", plain);
+  RegisterEngine("Mollweide", orv::ProjectionMethodMollweide, world, "+proj=moll +R=6378137", plain);
+  RegisterEngine("Eckert IV", orv::ProjectionMethodEckert4, world, "+proj=eck4 +R=6378137", plain);
+  RegisterEngine("Eckert VI", orv::ProjectionMethodEckert6, world, "+proj=eck6 +R=6378137", plain);
+  RegisterEngine("Robinson", orv::ProjectionMethodRobinson, world, "+proj=robin +R=6378137", plain);
+  RegisterEngine("Robinson-Sterling", orv::ProjectionMethodRobinsonSterling, world, "+proj=robin +R=6378137",
+                 plain);
+  RegisterEngine("Van Der Grinten", orv::ProjectionMethodVanDerGrinten, world, "+proj=vandg +R=6378137",
+                 plain);
+}
+
 orv::DatumDef Datum(const char* token) {
   orv::DatumDef datum;
   orv::ORVKnownDatumsList.FindByToken(token, &datum);
@@ -332,6 +378,9 @@ int main(int argc, char** argv) {
     orv::ORVKnownEllipsoidsList.Load(nullptr, true);
     orv::ORVKnownDatumsList.Load(nullptr, true);
     RegisterEngines();
+    RegisterConicEngines();
+    RegisterAzimuthalEngines();
+    RegisterWorldEngines();
     RegisterDatums();
     RegisterGrids();
     RegisterTransformer();

@@ -23,6 +23,18 @@ struct Polyconic;
 struct Bonne;
 struct ObliqueMercator;
 struct Hotine;
+struct Stereographic;
+struct Orthographic;
+struct Gnomonic;
+struct AzimuthalEquidistant;
+struct LambertAzimuthal;
+struct Sinusoidal;
+struct Mollweide;
+struct Eckert4;
+struct Eckert6;
+struct Robinson;
+struct RobinsonSterling;
+struct VanDerGrinten;
 struct Molodensky;
 struct BursaWolf;
 struct Regression;
@@ -98,6 +110,18 @@ struct KernelTable {
   EngineKernels<EquidistantConic> equidistantConic;
   EngineKernels<Polyconic> polyconic;
   EngineKernels<Bonne> bonne;
+  EngineKernels<Stereographic> stereographic;
+  EngineKernels<Orthographic> orthographic;
+  EngineKernels<Gnomonic> gnomonic;
+  EngineKernels<AzimuthalEquidistant> azimuthalEquidistant;
+  EngineKernels<LambertAzimuthal> lambertAzimuthal;
+  EngineKernels<Sinusoidal> sinusoidal;
+  EngineKernels<Mollweide> mollweide;
+  EngineKernels<Eckert4> eckert4;
+  EngineKernels<Eckert6> eckert6;
+  EngineKernels<Robinson> robinson;
+  EngineKernels<RobinsonSterling> robinsonSterling;
+  EngineKernels<VanDerGrinten> vanDerGrinten;
 
   // ---- datum methods -------------------------------------------------------------------------------------
 

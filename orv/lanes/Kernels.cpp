@@ -5,18 +5,30 @@
 #include "orv/datum/Regression.h"
 #include "orv/lanes/Dispatch.h"
 #include "orv/lanes/Frame.h"
+#include "orv/projection/ProjAzimuthalEquidistant.h"
 #include "orv/projection/ProjBonne.h"
 #include "orv/projection/ProjCassini.h"
+#include "orv/projection/ProjEckert4.h"
+#include "orv/projection/ProjEckert6.h"
 #include "orv/projection/ProjEquidistantConic.h"
 #include "orv/projection/ProjEquidistantCylindrical.h"
+#include "orv/projection/ProjGnomonic.h"
 #include "orv/projection/ProjHotine.h"
+#include "orv/projection/ProjLambertAzimuthal.h"
 #include "orv/projection/ProjLambertConformalConic.h"
 #include "orv/projection/ProjMercator.h"
 #include "orv/projection/ProjMiller.h"
+#include "orv/projection/ProjMollweide.h"
 #include "orv/projection/ProjObliqueMercator.h"
+#include "orv/projection/ProjOrthographic.h"
 #include "orv/projection/ProjPolyconic.h"
+#include "orv/projection/ProjRobinson.h"
+#include "orv/projection/ProjRobinsonSterling.h"
+#include "orv/projection/ProjSinusoidal.h"
+#include "orv/projection/ProjStereographic.h"
 #include "orv/projection/ProjTranAlbers.h"
 #include "orv/projection/ProjTransverseMercator.h"
+#include "orv/projection/ProjVanDerGrinten.h"
 
 #define ORV_PASTE_(a, b) a##b
 #define ORV_PASTE(a, b) ORV_PASTE_(a, b)
@@ -70,6 +82,18 @@ const KernelTable ORV_PASTE(kTable_, ORV_ISA) = {
     ORV_ISA::kEngine<EquidistantConic>,
     ORV_ISA::kEngine<Polyconic>,
     ORV_ISA::kEngine<Bonne>,
+    ORV_ISA::kEngine<Stereographic>,
+    ORV_ISA::kEngine<Orthographic>,
+    ORV_ISA::kEngine<Gnomonic>,
+    ORV_ISA::kEngine<AzimuthalEquidistant>,
+    ORV_ISA::kEngine<LambertAzimuthal>,
+    ORV_ISA::kEngine<Sinusoidal>,
+    ORV_ISA::kEngine<Mollweide>,
+    ORV_ISA::kEngine<Eckert4>,
+    ORV_ISA::kEngine<Eckert6>,
+    ORV_ISA::kEngine<Robinson>,
+    ORV_ISA::kEngine<RobinsonSterling>,
+    ORV_ISA::kEngine<VanDerGrinten>,
 
     ORV_ISA::RunShift<Molodensky>,
     ORV_ISA::RunShift<BursaWolf>,

@@ -206,6 +206,18 @@ inline Lanes Clamp(Lanes x, double bound) {
   return Except(x, outside, FlipSign(Splat(bound), x));
 }
 
+/// from[i], each lane its own; every i must lie within the array.
+template <class T>
+inline Lanes Gather(const T* from, Ints i) {
+#if ORV_LANES == 1
+  return from[i];
+#else
+  Lanes x = {};
+  for (std::size_t k = 0; k < kLanes; ++k) x[k] = from[i[k]];
+  return x;
+#endif
+}
+
 /// The points that a kernel works on at once: radians, degrees or metres.
 struct Point {
   Lanes x, y;

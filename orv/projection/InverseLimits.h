@@ -23,8 +23,16 @@ inline constexpr double kLargestHyperbolic = 40.0;
 /// A set-up constant that is divided by: 1 in the place of 0.  Where it is 0 the caller marks all results.
 ///
 /// To ask before the division would not do: nothing keeps the compiler from dividing ahead of the question,
-/// once for all points.
-inline double Divisor(double d) { return d == 0.0 ? 1.0 : d; }
+/// once for all points.  Nor may it see where the 1 comes from: it would turn 1/(d or 1) into (1/d) or 1.
+inline double Divisor(double d) {
+  double safe = d == 0.0 ? 1.0 : d;
+#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__))
+  __asm__("" : "+x"(safe));
+#elif defined(__GNUC__) && defined(__aarch64__)
+  __asm__("" : "+w"(safe));
+#endif
+  return safe;
+}
 
 /// phi, clamped to the poles; NaN when more than kBeyondPole outside.
 inline Lanes LatitudeOrNaN(Lanes phi) {

@@ -54,4 +54,9 @@ bool SetUpTransverseMercator(ProjectionParameters& radians, TransverseMercator& 
   return true;
 }
 
+AzimuthalCentre MakeAzimuthalCentre(double lon0, double lat0) {
+  constexpr double kRightAngle = 1.5707963267948966;
+  return {lon0, lat0, std::sin(lat0), std::fabs(lat0) == kRightAngle ? 0.0 : std::cos(lat0)};
+}
+
 }  // namespace orv::internal

@@ -227,6 +227,245 @@ TEST(Formulas, EquidistantCylindricalOfThePoleHasNoWidthAndNoInverse) {
       [](Pt) { return kMarked; }, Always(0));
 }
 
+// ---- world projections -----------------------------------------------------------------------------------
+
+Pt SinusoidalForward(const orv::Sinusoidal& c, Pt p) {
+  const double L = p.x - c.lon0, s = sin(p.y);
+  if (c.sphere) return {c.a * L * cos(p.y), c.a * p.y};
+  return {c.a * L * cos(p.y) / sqrt(1 - c.e2 * s * s), ArcTo(c.arc, p.y)};
+}
+Pt SinusoidalInverse(const orv::Sinusoidal& c, Pt p) {
+  double phi = p.y / c.a;
+  if (!c.sphere) {
+    const double mu = p.y / c.arc.ac0;
+    phi = mu + c.arc.f2 * sin(2 * mu) + c.arc.f4 * sin(4 * mu) + c.arc.f6 * sin(6 * mu) +
+          c.arc.f8 * sin(8 * mu);
+  }
+  if (abs(phi) > kHalfPi + 1e-9) return kMarked;
+  const double s = sin(phi);
+  return {c.lon0 + p.x * (c.sphere ? 1 : sqrt(1 - c.e2 * s * s)) / (c.a * cos(phi)), phi};
+}
+
+TEST(Formulas, SinusoidalIsTheLiteralFormulaBothWays) {
+  for (const Ellipsoid el : {kClarke1866, kFlat, kSphere}) {
+    const orv::Sinusoidal c = MakeSinusoidal(el, -0.3);
+    Compare(
+        "Sinusoidal forward", c, K().sinusoidal.forward, Box(kPoints, -4, 4, -kHalfPi, kHalfPi),
+        [&](Pt p) { return SinusoidalForward(c, p); }, Always(2e-15 * el.a));
+    Compare(
+        "Sinusoidal inverse", c, K().sinusoidal.inverse,
+        Box(kPoints, -3 * el.a, 3 * el.a, -1.6 * el.a, 1.6 * el.a),
+        [&](Pt p) { return SinusoidalInverse(c, p); },
+        [&](Pt p) {  // the longitude is divided by cos phi, which has the error of phi
+          const Pt at = SinusoidalInverse(c, p);
+          const double cosine = std::max(at.y == kMarker ? 1 : cos(at.y), 1e-9);
+          return 2e-15 * (1 + abs(at.x)) / (cosine * cosine);
+        });
+  }
+}
+
+// As printed: Newton from the latitude, which stops at 1e-12.
+template <class Correction>
+double PrintedNewton(double start, Correction correction) {
+  double x = start;
+  for (int i = 0; i < 100; ++i) {
+    const double d = correction(x);
+    x += d;
+    if (abs(d) < 1e-12) break;
+  }
+  return x;
+}
+
+Pt MollweideForward(const orv::Mollweide& c, Pt p) {
+  const double theta =
+      PrintedNewton(p.y, [&](double t) { return -(t + sin(t) - kPi * sin(p.y)) / (1 + cos(t)); }) / 2;
+  return {sqrt(8.0) / kPi * c.a * (p.x - c.lon0) * cos(theta), sqrt(2.0) * c.a * sin(theta)};
+}
+Pt MollweideInverse(const orv::Mollweide& c, Pt p) {
+  if (abs(p.y) > sqrt(2.0) * c.a) return kMarked;
+  const double theta = asin(p.y / (sqrt(2.0) * c.a));
+  return {c.lon0 + kPi * p.x / (sqrt(8.0) * c.a * cos(theta)),
+          asin(std::clamp((2 * theta + sin(2 * theta)) / kPi, -1.0, 1.0))};
+}
+
+TEST(Formulas, MollweideIsThePrintedIterationAndItsInverse) {
+  const orv::Mollweide c = {6378137, 0.4};
+  Compare(
+      "Mollweide forward", c, K().mollweide.forward, Box(kPoints, -4, 4, -1.55, 1.55),
+      [&](Pt p) { return MollweideForward(c, p); },
+      [&](Pt p) {  // theta' of the printed form is uncertain by its round-off over its slope, about u^2/2
+        const double colatitude = kHalfPi - abs(p.y), u = std::cbrt(3 * kPi * colatitude * colatitude);
+        return c.a * (1e-14 + 1e-14 / (u * u));
+      });
+  Compare(
+      "Mollweide inverse", c, K().mollweide.inverse, Box(kPoints, -1.7e7, 1.7e7, -8.9e6, 8.9e6),
+      [&](Pt p) { return MollweideInverse(c, p); },
+      [&](Pt p) { return 1e-14 * (2 + abs(MollweideInverse(c, p).x)); });
+}
+
+Pt Eckert4Forward(const orv::Eckert4& c, Pt p) {
+  const double theta = PrintedNewton(p.y / 2, [&](double t) {
+    return -(t + sin(t) * cos(t) + 2 * sin(t) - (2 + kPi / 2) * sin(p.y)) / (2 * cos(t) * (1 + cos(t)));
+  });
+  return {2 / sqrt(kPi * (4 + kPi)) * c.a * (p.x - c.lon0) * (1 + cos(theta)),
+          2 * sqrt(kPi / (4 + kPi)) * c.a * sin(theta)};
+}
+Pt Eckert4Inverse(const orv::Eckert4& c, Pt p) {
+  const double rim = 2 * sqrt(kPi / (4 + kPi)) * c.a;
+  if (abs(p.y) > rim) return kMarked;
+  const double theta = asin(p.y / rim);
+  return {c.lon0 + p.x / (2 / sqrt(kPi * (4 + kPi)) * c.a * (1 + cos(theta))),
+          asin(std::clamp((theta + sin(theta) * cos(theta) + 2 * sin(theta)) / (2 + kPi / 2), -1.0, 1.0))};
+}
+
+TEST(Formulas, EckertIVIsThePrintedIterationAndItsInverse) {
+  const orv::Eckert4 c = {6378137, 0.4};
+  Compare(
+      "Eckert IV forward", c, K().eckert4.forward, Box(kPoints, -4, 4, -1.55, 1.55),
+      [&](Pt p) { return Eckert4Forward(c, p); },
+      [&](Pt p) { return c.a * (1e-14 + 4e-15 / (kHalfPi - abs(p.y))); });
+  Compare(
+      "Eckert IV inverse", c, K().eckert4.inverse, Box(kPoints, -1.7e7, 1.7e7, -8.4e6, 8.4e6),
+      [&](Pt p) { return Eckert4Inverse(c, p); }, Always(2e-14));
+}
+
+Pt Eckert6Forward(const orv::Eckert6& c, Pt p) {
+  const double theta =
+      PrintedNewton(p.y, [&](double t) { return -(t + sin(t) - (1 + kPi / 2) * sin(p.y)) / (1 + cos(t)); });
+  return {c.a * (p.x - c.lon0) * (1 + cos(theta)) / sqrt(2 + kPi), 2 * c.a * theta / sqrt(2 + kPi)};
+}
+Pt Eckert6Inverse(const orv::Eckert6& c, Pt p) {
+  const double theta = sqrt(2 + kPi) * p.y / (2 * c.a), sine = (theta + sin(theta)) / (1 + kPi / 2);
+  if (abs(sine) > 1) return kMarked;
+  return {c.lon0 + sqrt(2 + kPi) * p.x / (c.a * (1 + cos(theta))), asin(sine)};
+}
+
+TEST(Formulas, EckertVIIsThePrintedIterationAndItsInverse) {
+  const orv::Eckert6 c = {6378137, 0.4};
+  Compare(
+      "Eckert VI forward", c, K().eckert6.forward, Box(kPoints, -4, 4, -kHalfPi, kHalfPi),
+      [&](Pt p) { return Eckert6Forward(c, p); }, Always(5e-15 * c.a));
+  Compare(
+      "Eckert VI inverse", c, K().eckert6.inverse, Box(kPoints, -1.7e7, 1.7e7, -8.8e6, 8.8e6),
+      [&](Pt p) { return Eckert6Inverse(c, p); }, Always(2e-14));
+}
+
+Pt RobinsonForward(const orv::Robinson& c, Pt p) {
+  const int i = std::min(17, static_cast<int>(std::floor(abs(p.y) * 11.459156036376953)));
+  const double d = (abs(p.y) - i * static_cast<double>(0.08726646f)) * 57.29577951308232;
+  const float *l = orv::kRobinsonLength[i], *s = orv::kRobinsonDistance[i];
+  const auto at = [d](float v, double rest) { return rest * d + static_cast<double>(v); };
+  const double X = at(l[0], at(l[1], at(l[2], static_cast<double>(l[3]))));
+  const double Y = at(s[0], at(s[1], at(s[2], static_cast<double>(s[3]))));
+  const double y = Y * 1.3523000478744507 * c.a;
+  return {X * 0.8486999869346619 * p.x * c.a, p.y < 0 ? -y : y};
+}
+
+TEST(Formulas, RobinsonIsTheLiteralFormulaToTheLastBit) {
+  const orv::Robinson c = {6378137};
+  std::vector<Pt> points = Box(kPoints, -6.3, 6.3, -kHalfPi, kHalfPi);
+  for (int i = -18; i <= 18; ++i) {  // the nodes, and where the row changes a little before them
+    points.push_back({2, i * kHalfPi / 18});
+    points.push_back({2, i * kHalfPi / 18 * (1 - 1.3e-9)});
+    points.push_back({2, i * kHalfPi / 18 * (1 - 0.7e-9)});
+  }
+  Compare(
+      "Robinson forward", c, K().robinson.forward, points, [&](Pt p) { return RobinsonForward(c, p); },
+      Always(0));
+}
+
+Pt RobinsonInverse(const orv::Robinson& c, Pt p) {
+  const double Y = abs(p.y) / (1.3523000478744507 * c.a);
+  if (Y > 1 + 1e-6) return kMarked;
+  int i = 0;
+  while (i < 17 && static_cast<double>(orv::kRobinsonDistance[i + 1][0]) <= Y) ++i;
+  // bisection on the row's own forward, a little over both ends
+  const auto at = [i](const float(&table)[19][4], double d) {
+    double sum = 0;
+    for (int k = 3; k >= 0; --k) sum = sum * d + static_cast<double>(table[i][k]);
+    return sum;
+  };
+  double low = -0.01, high = 5.01;
+  for (int step = 0; step < 100; ++step) {
+    const double mid = (low + high) / 2;
+    (at(orv::kRobinsonDistance, mid) < Y ? low : high) = mid;
+  }
+  const double phi = std::min(kHalfPi, i * static_cast<double>(0.08726646f) + low / 57.29577951308232);
+  return {p.x / (0.8486999869346619 * c.a * at(orv::kRobinsonLength, low)), p.y < 0 ? -phi : phi};
+}
+
+TEST(Formulas, RobinsonInverseIsTheRootOfItsRow) {
+  const orv::Robinson c = {6378137};
+  Compare(
+      "Robinson inverse", c, K().robinson.inverse, Box(kPoints, -1.7e7, 1.7e7, -8.7e6, 8.7e6),
+      [&](Pt p) { return RobinsonInverse(c, p); }, Always(2e-14));
+}
+
+Pt SterlingForward(const orv::RobinsonSterling& c, Pt p) {
+  const double w = abs(p.y) * 36 / kPi;
+  const int i = std::min(17, static_cast<int>(std::floor(w)));
+  const auto at = [&](const double* nodes, double sign) {
+    const double q = w - i, before = i == 0 ? sign * nodes[1] : nodes[i - 1];
+    return nodes[i] + q * (nodes[i + 1] - before) / 2 + q * q * (nodes[i + 1] - 2 * nodes[i] + before) / 2;
+  };
+  return {0.8487 * c.a * at(orv::kRobinsonLengthNodes, 1) * (p.x - c.lon0),
+          (p.y < 0 ? -1.3523 : 1.3523) * c.a * at(orv::kRobinsonDistanceNodes, -1)};
+}
+
+TEST(Formulas, RobinsonSterlingIsStirlingsFormulaAndComesBack) {
+  const orv::RobinsonSterling c = MakeSterling(6378137, 0.4);
+  const std::vector<Pt> world = Box(kPoints, -4, 4, -kHalfPi, kHalfPi);
+  Compare(
+      "Robinson-Sterling forward", c, K().robinsonSterling.forward, world,
+      [&](Pt p) { return SterlingForward(c, p); }, Always(5e-15 * c.a));
+  std::vector<Pt> plane = world;
+  for (Pt& p : plane) p = SterlingForward(c, p);
+  std::size_t next = 0;
+  Compare(
+      "Robinson-Sterling inverse", c, K().robinsonSterling.inverse, plane, [&](Pt) { return world[next++]; },
+      Always(2e-14));
+}
+
+Pt VanDerGrintenForward(const orv::VanDerGrinten& c, Pt p) {
+  const double L = p.x - c.lon0, theta = asin(abs(2 * p.y / kPi)), A = abs(kPi / L - L / kPi) / 2;
+  const double G = cos(theta) / (sin(theta) + cos(theta) - 1), P = G * (2 / sin(theta) - 1), Q = A * A + G;
+  const double S = P * P + A * A;
+  const double x = (A * (G - P * P) + sqrt(A * A * pow(G - P * P, 2) - S * (G * G - P * P))) / S;
+  const double y = (P * Q - A * sqrt((A * A + 1) * S - Q * Q)) / S;
+  return {std::copysign(kPi * c.a * x, L), std::copysign(kPi * c.a * y, p.y)};
+}
+Pt VanDerGrintenInverse(const orv::VanDerGrinten& c, Pt p) {
+  const double X = p.x / (kPi * c.a), Y = p.y / (kPi * c.a), r2 = X * X + Y * Y;
+  if (r2 > 1 + 1e-9) return kMarked;
+  const double c1 = -abs(Y) * (1 + r2), c2 = c1 - 2 * Y * Y + X * X, c3 = -2 * c1 + 1 + 2 * Y * Y + r2 * r2;
+  const double d = Y * Y / c3 + (2 * pow(c2 / c3, 3) - 9 * c1 * c2 / (c3 * c3)) / 27;
+  const double a1 = (c1 - c2 * c2 / (3 * c3)) / c3, m1 = 2 * sqrt(-a1 / 3);
+  const double theta1 = std::acos(std::clamp(3 * d / (a1 * m1), -1.0, 1.0)) / 3;
+  return {c.lon0 + kPi * (r2 - 1 + sqrt(1 + 2 * (X * X - Y * Y) + r2 * r2)) / (2 * X),
+          std::copysign(kPi * (-m1 * cos(theta1 + kPi / 3) - c2 / (3 * c3)), Y)};
+}
+
+TEST(Formulas, VanDerGrintenIsThePrintedQuotientsWhereTheyKeepTheirDigits) {
+  const orv::VanDerGrinten c = {6378137, 0};
+  for (const double side : {1.0, -1.0}) {
+    const auto half = [side](double x0, double x1, double y0, double y1) {
+      std::vector<Pt> points = Box(kPoints, x0, x1, y0, y1);
+      for (Pt& p : points) p = {side * p.x, side * p.y};
+      return points;
+    };
+    Compare(
+        "Van der Grinten forward", c, K().vanDerGrinten.forward, half(0.3, 3.14, 0.05, 1.55),
+        [&](Pt p) { return VanDerGrintenForward(c, p); }, Always(2e-6));
+    Compare(
+        "Van der Grinten, folded", c, K().vanDerGrinten.forward, half(3.15, 6, 0.05, 1.55),
+        [&](Pt p) { return VanDerGrintenForward(c, p); }, Always(2e-6));
+    // the closed form of the cubic, away from the rim and the Equator, where its arc cosine loses digits
+    Compare(
+        "Van der Grinten inverse", c, K().vanDerGrinten.inverse, half(1e5, 1.2e7, 1e6, 1.4e7),
+        [&](Pt p) { return VanDerGrintenInverse(c, p); }, Always(2e-12));
+  }
+}
+
 // ---- Transverse Mercator ---------------------------------------------------------------------------------
 
 Pt TmForward(const orv::TransverseMercator& c, Pt p) {
@@ -844,6 +1083,233 @@ TEST(Formulas, HotineMarksInfinityAndReturnsPolesAtItsOwnLongitude) {
   EXPECT_EQ(points[0].y, kHalfPi);
   EXPECT_EQ(points[1].x, 0.7);
   EXPECT_EQ(points[1].y, -kHalfPi);
+}
+
+// ---- azimuthal projections -------------------------------------------------------------------------------
+
+// The five aspects: oblique north and south, equatorial, the poles.
+constexpr double kAspects[] = {40 * kDegree, -25 * kDegree, 0, kHalfPi, -kHalfPi};
+
+double CosineOfArc(const orv::AzimuthalCentre& o, Pt p) {  // (5-3)
+  return sin(o.lat0) * sin(p.y) + cos(o.lat0) * cos(p.y) * cos(p.x - o.lon0);
+}
+// k' times the rectangular coordinates of the unit vector, (22-4) and (22-5)
+Pt FromTheCentre(const orv::AzimuthalCentre& o, Pt p, double k) {
+  const double L = p.x - o.lon0;
+  return {k * cos(p.y) * sin(L), k * (cos(o.lat0) * sin(p.y) - sin(o.lat0) * cos(p.y) * cos(L))};
+}
+// (20-14) to (20-18), printed form by printed form; lat0 is that of chi1 on the ellipsoid
+Pt AzimuthalInverse(double lon0, double lat0, Pt p, double c) {
+  const double rho = sqrt(p.x * p.x + p.y * p.y);
+  const double phi = asin(std::clamp(cos(c) * sin(lat0) + p.y * sin(c) * cos(lat0) / rho, -1.0, 1.0));
+  if (lat0 == kHalfPi) return {lon0 + atan2(p.x, -p.y), phi};
+  if (lat0 == -kHalfPi) return {lon0 + atan2(p.x, p.y), phi};
+  return {lon0 + atan2(p.x * sin(c), rho * cos(lat0) * cos(c) - p.y * sin(lat0) * sin(c)), phi};
+}
+// Arc sine and longitude lose digits towards the poles.
+double NearPole(Pt lonlat) { return 4e-15 + 4e-15 / std::max(abs(cos(lonlat.y)), 1e-9); }
+
+// The rest of a turn does not matter in the longitudes of an inverse.
+std::vector<Pt> Caps(const orv::AzimuthalCentre& o, double leastCosine) {
+  std::vector<Pt> points = Box(kPoints, o.lon0 - 3.1, o.lon0 + 3.1, -1.57, 1.57);
+  std::erase_if(points, [&](Pt p) { return CosineOfArc(o, p) < leastCosine; });
+  return points;
+}
+
+TEST(Formulas, OrthographicIsTheLiteralFormulaInEveryAspect) {
+  for (const double lat0 : kAspects) {
+    const orv::Orthographic c = {6378137, MakeCentre(0.4, lat0)};
+    std::vector<Pt> points = Box(kPoints, -6, 6, -1.57, 1.57);
+    std::erase_if(points, [&](Pt p) { return abs(CosineOfArc(c.centre, p)) < 1e-14; });  // the rim itself
+    Compare(
+        "Orthographic forward", c, K().orthographic.forward, points,
+        [&](Pt p) {
+          if (CosineOfArc(c.centre, p) < 0) return kMarked;
+          const double L = p.x - c.centre.lon0, x = c.a * cos(p.y) * sin(L);
+          if (lat0 == kHalfPi) return Pt{x, -c.a * cos(p.y) * cos(L)};
+          if (lat0 == -kHalfPi) return Pt{x, c.a * cos(p.y) * cos(L)};
+          if (lat0 == 0) return Pt{x, c.a * sin(p.y)};
+          return FromTheCentre(c.centre, p, c.a);
+        },
+        Always(5e-9));
+    const auto inverse = [&](Pt p) {
+      return AzimuthalInverse(0.4, lat0, p, asin(sqrt(p.x * p.x + p.y * p.y) / c.a));
+    };
+    Compare("Orthographic inverse", c, K().orthographic.inverse,
+            Images(K().orthographic, c, Caps(c.centre, 0.05)), inverse,
+            [&](Pt p) { return 20 * NearPole(inverse(p)); });
+  }
+}
+
+TEST(Formulas, GnomonicIsTheLiteralFormulaInEveryAspect) {
+  for (const double lat0 : kAspects) {
+    const double pole = lat0 == kHalfPi ? 1 : lat0 == -kHalfPi ? -1 : 0;
+    const orv::Gnomonic c = {6378137, pole, MakeCentre(0.4, lat0)};
+    std::vector<Pt> points = Box(kPoints, -6, 6, -1.57, 1.57);
+    std::erase_if(points, [&](Pt p) { return abs(CosineOfArc(c.centre, p)) < 1e-14; });
+    Compare(
+        "Gnomonic forward", c, K().gnomonic.forward, points,
+        [&](Pt p) {
+          const double cosC = CosineOfArc(c.centre, p), L = p.x - c.centre.lon0, cot = cos(p.y) / sin(p.y);
+          if (cosC <= 0) return kMarked;
+          if (pole > 0) return Pt{c.a * cot * sin(L), -c.a * cot * cos(L)};
+          if (pole < 0) return Pt{-c.a * cot * sin(L), c.a * cot * cos(L)};  // deliberate: that sign of y
+          return FromTheCentre(c.centre, p, c.a / cosC);
+        },
+        [&](Pt p) { return 1e-8 / std::pow(CosineOfArc(c.centre, p), 2); });
+    const auto inverse = [&](Pt p) {
+      const double arc = atan(sqrt(p.x * p.x + p.y * p.y) / c.a);
+      return AzimuthalInverse(0.4, lat0, pole < 0 ? Pt{p.x, -p.y} : p, arc);  // undoes that sign
+    };
+    Compare("Gnomonic inverse", c, K().gnomonic.inverse, Images(K().gnomonic, c, Caps(c.centre, 0.01)),
+            inverse, [&](Pt p) { return NearPole(inverse(p)); });
+  }
+}
+
+TEST(Formulas, AzimuthalEquidistantIsTheLiteralFormulaInEveryAspect) {
+  for (const double lat0 : kAspects) {
+    const orv::AzimuthalEquidistant c = {6378137, MakeCentre(0.4, lat0)};
+    Compare(
+        "Azimuthal Equidistant forward", c, K().azimuthalEquidistant.forward, Caps(c.centre, -0.99),
+        [&](Pt p) {
+          const double L = p.x - c.centre.lon0;
+          if (lat0 == kHalfPi) return Pt{c.a * (kHalfPi - p.y) * sin(L), -c.a * (kHalfPi - p.y) * cos(L)};
+          if (lat0 == -kHalfPi) return Pt{c.a * (kHalfPi + p.y) * sin(L), c.a * (kHalfPi + p.y) * cos(L)};
+          const double arc = std::acos(std::clamp(CosineOfArc(c.centre, p), -1.0, 1.0));
+          return FromTheCentre(c.centre, p, arc == 0 ? c.a : c.a * arc / sin(arc));
+        },
+        [&](Pt p) {  // the arc cosine loses digits near the centre and the antipode
+          const double s = sqrt(std::max(1 - std::pow(CosineOfArc(c.centre, p), 2), 1e-16));
+          return 2e-8 + 4e-9 / s / s;
+        });
+    const auto inverse = [&](Pt p) {
+      return AzimuthalInverse(0.4, lat0, p, sqrt(p.x * p.x + p.y * p.y) / c.a);
+    };
+    Compare("Azimuthal Equidistant inverse", c, K().azimuthalEquidistant.inverse,
+            Images(K().azimuthalEquidistant, c, Caps(c.centre, -0.99)), inverse,
+            [&](Pt p) { return 10 * NearPole(inverse(p)); });
+  }
+}
+
+TEST(Formulas, LambertAzimuthalIsTheLiteralFormulaInEveryAspect) {
+  for (const double lat0 : kAspects) {
+    const orv::LambertAzimuthal c = {6378137, MakeCentre(0.4, lat0)};
+    Compare(
+        "Lambert Azimuthal forward", c, K().lambertAzimuthal.forward, Caps(c.centre, -0.99),
+        [&](Pt p) {
+          const double L = p.x - c.centre.lon0;
+          const double north = 2 * c.a * sin(kPi / 4 - p.y / 2), south = 2 * c.a * cos(kPi / 4 - p.y / 2);
+          if (lat0 == kHalfPi) return Pt{north * sin(L), -north * cos(L)};
+          if (lat0 == -kHalfPi) return Pt{south * sin(L), south * cos(L)};
+          return FromTheCentre(c.centre, p, c.a * sqrt(2 / (1 + CosineOfArc(c.centre, p))));
+        },
+        Always(4e-7));  // 1 + cos c cancels
+    const auto inverse = [&](Pt p) {
+      return AzimuthalInverse(0.4, lat0, p, 2 * asin(sqrt(p.x * p.x + p.y * p.y) / (2 * c.a)));
+    };
+    Compare("Lambert Azimuthal inverse", c, K().lambertAzimuthal.inverse,
+            Images(K().lambertAzimuthal, c, Caps(c.centre, -0.9)), inverse,
+            [&](Pt p) { return 10 * NearPole(inverse(p)); });
+  }
+}
+
+TEST(Formulas, SphericalStereographicIsTheLiteralFormulaInEveryAspect) {
+  for (const double lat0 : kAspects) {
+    const orv::Stereographic c = MakeStereographic(kSphere, 0.97, 0.4, lat0);
+    const double rk = kSphere.a * 0.97;
+    Compare(
+        "spherical Stereographic forward", c, K().stereographic.forward, Caps(c.centre, -0.9),
+        [&](Pt p) {
+          const double L = p.x - c.centre.lon0;
+          const double north = 2 * rk * tan(kPi / 4 - p.y / 2), south = 2 * rk * tan(kPi / 4 + p.y / 2);
+          if (lat0 == kHalfPi) return Pt{north * sin(L), -north * cos(L)};
+          if (lat0 == -kHalfPi) return Pt{south * sin(L), south * cos(L)};
+          return FromTheCentre(c.centre, p, 2 * rk / (1 + CosineOfArc(c.centre, p)));
+        },
+        Always(1e-6));
+    const auto inverse = [&](Pt p) {
+      return AzimuthalInverse(0.4, lat0, p, 2 * atan(sqrt(p.x * p.x + p.y * p.y) / (2 * rk)));
+    };
+    Compare("spherical Stereographic inverse", c, K().stereographic.inverse,
+            Images(K().stereographic, c, Caps(c.centre, -0.9)), inverse,
+            [&](Pt p) { return 4 * NearPole(inverse(p)); });
+  }
+}
+
+TEST(Formulas, EllipsoidalStereographicIsTheLiteralFormulaInEveryAspect) {
+  for (const Ellipsoid el : {kClarke1866, kFlat}) {
+    for (const double lat0 : kAspects) {
+      const double k0 = 0.97, lon0 = 0.4, e = el.e(), s1 = sin(lat0);
+      const orv::Stereographic c = MakeStereographic(el, k0, lon0, lat0);
+      const double m1 = cos(lat0) / sqrt(1 - el.e2() * s1 * s1);
+      const double chi1 = kHalfPi - 2 * atan(ConformalT(e, lat0));
+      const double polar = 2 * el.a * k0 / sqrt(pow(1 + e, 1 + e) * pow(1 - e, 1 - e));  // (21-33)
+      const bool isPole = abs(lat0) == kHalfPi;
+      const double south = lat0 < 0 ? -1 : 1;
+      Compare(
+          "ellipsoidal Stereographic forward", c, K().stereographic.forward,
+          Caps(MakeCentre(lon0, lat0), -0.8),
+          [&](Pt p) {
+            const double L = p.x - lon0;
+            if (isPole) {
+              const double rho = polar * ConformalT(e, south * p.y);
+              return Pt{rho * sin(L), -south * rho * cos(L)};
+            }
+            const double chi = kHalfPi - 2 * atan(ConformalT(e, p.y));
+            const double A =
+                2 * el.a * k0 * m1 /
+                (cos(chi1) * (1 + sin(chi1) * sin(chi) + cos(chi1) * cos(chi) * cos(L)));  // (21-27)
+            return Pt{A * cos(chi) * sin(L), A * (cos(chi1) * sin(chi) - sin(chi1) * cos(chi) * cos(L))};
+          },
+          Always(el.a * 1e-13));
+      const auto inverse = [&](Pt p) {
+        const double rho = sqrt(p.x * p.x + p.y * p.y);
+        double chi, lambda;
+        if (isPole) {
+          chi = south * (kHalfPi - 2 * atan(rho / polar));  // (21-39), (7-13)
+          lambda = lon0 + atan2(p.x, -south * p.y);
+        } else {
+          const double ce = 2 * atan(rho * cos(chi1) / (2 * el.a * k0 * m1));  // (21-38)
+          const Pt q = AzimuthalInverse(lon0, chi1, p, ce);                    // (21-36), (21-37)
+          chi = q.y;
+          lambda = q.x;
+        }
+        double phi = chi;
+        for (int i = 0; i < 100; ++i) {  // (3-4)
+          const double es = e * sin(phi);
+          const double next = 2 * atan(tan(kPi / 4 + chi / 2) * pow((1 + es) / (1 - es), e / 2)) - kHalfPi;
+          const bool close = abs(next - phi) <= 1e-14;
+          phi = next;
+          if (close) break;
+        }
+        return Pt{lambda, phi};
+      };
+      Compare("ellipsoidal Stereographic inverse", c, K().stereographic.inverse,
+              Images(K().stereographic, c, Caps(MakeCentre(lon0, lat0), -0.8)), inverse,
+              // the stop at 1e-12 leaves e^2 of it
+              [&](Pt p) { return 4 * NearPole(inverse(p)) + 1e-12 * el.e2() / (1 - el.e2()); });
+    }
+  }
+}
+
+TEST(Formulas, AzimuthalKernelsKeepTheirDigitsNextToTheCentreAndTheAntipode) {
+  // From a pole the arc is the colatitude: known without any cancellation.
+  for (const double far : {1e-3, 1e-6, 1e-9}) {
+    const Pt next = {0.4 + kHalfPi, kHalfPi - far};
+    const double arc = (kHalfPi - next.y) + 6.123233995736766e-17;  // of the latitude that is stored
+    const orv::AzimuthalEquidistant c = {6378137, MakeCentre(0.4, kHalfPi)},
+                                    opposite = {6378137, MakeCentre(0.4, -kHalfPi)};
+    std::vector<Pt> points = {next};
+    K().azimuthalEquidistant.forward(c, Data(points), 1);
+    EXPECT_NEAR(points[0].x, c.a * arc, c.a * arc * 1e-14);
+    points = {next};
+    K().azimuthalEquidistant.forward(opposite, Data(points), 1);
+    EXPECT_NEAR(points[0].x, c.a * (kPi - arc), 3e-8);
+    const orv::Stereographic s = MakeStereographic(kSphere, 1, 0.4, -kHalfPi);
+    points = {next};
+    K().stereographic.forward(s, Data(points), 1);
+    EXPECT_NEAR(points[0].x, 2 * kSphere.a / tan(arc / 2), 2 * kSphere.a / tan(arc / 2) * 1e-14);
+  }
 }
 
 // ---- datum methods ---------------------------------------------------------------------------------------

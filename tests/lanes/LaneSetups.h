@@ -12,18 +12,30 @@
 #include "orv/datum/Molodensky.h"
 #include "orv/datum/Regression.h"
 #include "orv/lanes/Dispatch.h"
+#include "orv/projection/ProjAzimuthalEquidistant.h"
 #include "orv/projection/ProjBonne.h"
 #include "orv/projection/ProjCassini.h"
+#include "orv/projection/ProjEckert4.h"
+#include "orv/projection/ProjEckert6.h"
 #include "orv/projection/ProjEquidistantConic.h"
 #include "orv/projection/ProjEquidistantCylindrical.h"
+#include "orv/projection/ProjGnomonic.h"
 #include "orv/projection/ProjHotine.h"
+#include "orv/projection/ProjLambertAzimuthal.h"
 #include "orv/projection/ProjLambertConformalConic.h"
 #include "orv/projection/ProjMercator.h"
 #include "orv/projection/ProjMiller.h"
+#include "orv/projection/ProjMollweide.h"
 #include "orv/projection/ProjObliqueMercator.h"
+#include "orv/projection/ProjOrthographic.h"
 #include "orv/projection/ProjPolyconic.h"
+#include "orv/projection/ProjRobinson.h"
+#include "orv/projection/ProjRobinsonSterling.h"
+#include "orv/projection/ProjSinusoidal.h"
+#include "orv/projection/ProjStereographic.h"
 #include "orv/projection/ProjTranAlbers.h"
 #include "orv/projection/ProjTransverseMercator.h"
+#include "orv/projection/ProjVanDerGrinten.h"
 
 namespace lanetest {
 
@@ -135,6 +147,30 @@ inline orv::Bonne MakeBonne(Ellipsoid el, double lon0, double lat1) {
   return {el.f == 0, el.a, lon0, el.e2(), apex, apex + ArcTo(arc, lat1), arc};
 }
 
+inline orv::Sinusoidal MakeSinusoidal(Ellipsoid el, double lon0) {
+  return {el.f == 0, el.a, lon0, el.e2(), MakeArc(el)};
+}
+
+// Stirling's coefficients of the nodes, which go on across the Equator: lengths even, distances odd.
+inline orv::RobinsonSterling MakeSterling(double a, double lon0) {
+  orv::RobinsonSterling c{};
+  c.a = a;
+  c.lon0 = lon0;
+  const auto node = [](const double* nodes, int i, double sign) {
+    return i < 0 ? sign * nodes[-i] : nodes[i];
+  };
+  for (int i = 0; i < 18; ++i) {
+    const auto fill = [&](const double* nodes, double sign, double* z0, double* z1, double* z2) {
+      z0[i] = nodes[i];
+      z1[i] = (nodes[i + 1] - node(nodes, i - 1, sign)) / 2;
+      z2[i] = (nodes[i + 1] - 2 * nodes[i] + node(nodes, i - 1, sign)) / 2;
+    };
+    fill(orv::kRobinsonLengthNodes, 1, c.x0, c.x1, c.x2);
+    fill(orv::kRobinsonDistanceNodes, -1, c.y0, c.y1, c.y2);
+  }
+  return c;
+}
+
 inline orv::ObliqueMercator MakeOblique(double a, double k0, double lon1, double lat1, double lon2,
                                         double lat2) {
   const double lp = std::atan2(
@@ -196,6 +232,23 @@ inline orv::Hotine MakeHotinePoints(Ellipsoid el, double k0, double lat0, Pt one
   const double lambda0 = (one.x + two.x) / 2 - std::atan(J * std::tan(h.B * (one.x - two.x) / 2) / P) / h.B;
   const double gamma0 = std::atan(std::sin(h.B * (one.x - lambda0)) / G);
   return FinishHotine(h, E, gamma0, lambda0, std::asin(h.D * std::sin(gamma0)), lat0, rotate, offsetU);
+}
+
+inline orv::AzimuthalCentre MakeCentre(double lon0, double lat0) {
+  return {lon0, lat0, std::sin(lat0), std::abs(lat0) == kHalfPi ? 0 : std::cos(lat0)};
+}
+
+inline orv::Stereographic MakeStereographic(Ellipsoid el, double k0, double lon0, double lat0) {
+  const double e = el.e(), s = std::sin(lat0), chi1 = kHalfPi - 2 * std::atan(ConformalT(e, lat0));
+  orv::Stereographic c = {el.f == 0, e, el.a * k0, MakeCentre(lon0, lat0)};
+  if (std::abs(lat0) == kHalfPi) {
+    c.radius /= std::sqrt(std::pow(1 + e, 1 + e) * std::pow(1 - e, 1 - e));
+  } else if (el.f != 0) {
+    c.radius *= std::cos(lat0) / std::sqrt(1 - el.e2() * s * s) / std::cos(chi1);
+    c.centre.sin = std::sin(chi1);
+    c.centre.cos = std::cos(chi1);
+  }
+  return c;
 }
 
 inline orv::Molodensky MakeMolodensky(Ellipsoid from, Ellipsoid to, double dx, double dy, double dz,

@@ -86,6 +86,16 @@ std::vector<Work> AllWork() {
               MakeHotinePoints(el, 0.99, 0.7, {-2.1, 0.8}, {-1.4, 0.4}, false, false), &KernelTable::hotine,
               world);
   }
+  for (const Ellipsoid el : {kClarke1866, kFlat, kSphere}) {
+    AddEngine(all, el.f == 0 ? "sinusoidal sphere" : "sinusoidal", MakeSinusoidal(el, 0.3),
+              &KernelTable::sinusoidal, world);
+  }
+  AddEngine(all, "mollweide", orv::Mollweide{6378137, 0.2}, &KernelTable::mollweide, world);
+  AddEngine(all, "eckert iv", orv::Eckert4{6378137, 0.2}, &KernelTable::eckert4, world);
+  AddEngine(all, "eckert vi", orv::Eckert6{6378137, 0.2}, &KernelTable::eckert6, world);
+  AddEngine(all, "robinson", orv::Robinson{6378137}, &KernelTable::robinson, world);
+  AddEngine(all, "robinson-sterling", MakeSterling(6378137, 0.2), &KernelTable::robinsonSterling, world);
+  AddEngine(all, "van der grinten", orv::VanDerGrinten{6378137, 0.2}, &KernelTable::vanDerGrinten, world);
   for (const Ellipsoid el : {kClarke1866, kSphere}) {  // no scale, hence no inverse: K0 = 0
     AddEngine(all, "tm without scale", MakeTm(el, 0, 0.01, 0.4), &KernelTable::transverseMercator, zone);
     AddEngine(all, "utm without scale", MakeTm(el, 0, 0.01, 0.4), &KernelTable::utm, zone);
@@ -94,6 +104,24 @@ std::vector<Work> AllWork() {
             &KernelTable::hotine, world);
   AddEngine(all, "oblique without scale", MakeOblique(6370997, 0, -1, 0.8, -1.9, 0.5),
             &KernelTable::obliqueMercator, world);
+  for (const double lat0 : {0.0, 0.7, -1.2, kHalfPi, -kHalfPi}) {  // azimuthal: all aspects
+    const std::string at = " at " + std::to_string(lat0);
+    const orv::AzimuthalCentre centre = MakeCentre(0.3, lat0);
+    const double pole = lat0 == kHalfPi ? 1 : lat0 == -kHalfPi ? -1 : 0;
+    for (const Ellipsoid el : {kClarke1866, kFlat, kSphere}) {
+      AddEngine(all, "stereographic" + at, MakeStereographic(el, 0.97, 0.3, lat0),
+                &KernelTable::stereographic, world);
+    }
+    AddEngine(all, "orthographic" + at, orv::Orthographic{6378137, centre}, &KernelTable::orthographic,
+              world);
+    AddEngine(all, "gnomonic" + at, orv::Gnomonic{6378137, pole, centre}, &KernelTable::gnomonic, world);
+    AddEngine(all, "azimuthal equidistant" + at, orv::AzimuthalEquidistant{6378137, centre},
+              &KernelTable::azimuthalEquidistant, world);
+    AddEngine(all, "lambert azimuthal" + at, orv::LambertAzimuthal{6378137, centre},
+              &KernelTable::lambertAzimuthal, world);
+  }
+  AddEngine(all, "stereographic without scale", MakeStereographic(kClarke1866, 0, 0.3, 0.7),
+            &KernelTable::stereographic, world);
   AddEngine(all, "miller", orv::Miller{6378137, 0.2}, &KernelTable::miller, world);
   AddEngine(all, "equidistant", orv::EquidistantCylindrical{6378137, 0.2, 0.6},
             &KernelTable::equidistantCylindrical, world);

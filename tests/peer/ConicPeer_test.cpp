@@ -3,9 +3,9 @@
 //
 // Deliberate differences, with their sizes:
 //   Polyconic, Bonne    the meridian arc is a series: within 3 mm on the ellipsoid
-//   Equidistant Conic   the same within 3 mm between the Equator and the pole of the cone; on the other side up to
-//                       4.9 mm, since the truncated arc between the parallels enters n and G, and the error grows
-//                       with the distance from the apex (the same figures at 40 digits in
+//   Equidistant Conic   the same within 3 mm between the Equator and the pole of the cone; on the other side
+//                       up to 4.9 mm, since the truncated arc between the parallels enters n and G, and the
+//                       error grows with the distance from the apex (the same figures at 40 digits in
 //                       tests/projection/series_truncation.py)
 #include <gtest/gtest.h>
 

@@ -423,8 +423,8 @@ std::vector<EngineCase> ConicCases() {
   };
   // Tolerances in degrees: some units in the last place of what the inverse works on.  The cones open to the
   // other side, where Albers' parallels crowd: a unit of q is 60 of phi at 89 degrees.  Series of the
-  // meridian arc: (3-26) inverts (3-21) within 7.07e-9 degrees (series_truncation.py), which Bonne's longitudes
-  // multiply by up to pi.
+  // meridian arc: (3-26) inverts (3-21) within 7.07e-9 degrees (series_truncation.py), which Bonne's
+  // longitudes multiply by up to pi.
   std::vector<EngineCase> cases;
   for (const bool north : {true, false}) {
     const double lon0 = north ? -96 : 134, side = north ? 1 : -1;

@@ -108,6 +108,29 @@ double AngularTolerance(const Row& row) {
   return inDegrees ? Tolerance(row) : internal::ToDegrees(Tolerance(row) / row.a);
 }
 
+// Printed values that are wrong by more than a unit of their last digit, as their rows tell: the value
+// recomputed at 50 digits takes their place, with a unit of its own last digit.  The row keeps what is
+// printed.
+struct Misprint {
+  const char* method;
+  shr::Vec2d lonlat, printed, exact;
+};
+const Misprint kMisprints[] = {
+    // South polar, with K0 known: the printed example carries rho in too few digits and is 0.16 m off.
+    {"Stereographic", {150, -75}, {-1573645.4, -572760.1}, {-1573645.258, -572760.033}},
+};
+constexpr double kMisprintTolerance = 0.001;
+
+const Misprint* MisprintOf(const Row& row) {
+  for (const Misprint& m : kMisprints) {
+    if (m.method == row.method && m.lonlat.x == row.lonlat.x && m.lonlat.y == row.lonlat.y &&
+        m.printed.x == row.xy.x && m.printed.y == row.xy.y) {
+      return &m;
+    }
+  }
+  return nullptr;
+}
+
 double DegreesApart(double a, double b) { return std::fabs(std::remainder(a - b, 360.0)); }
 
 class WorkedExamples : public testing::TestWithParam<std::string> {};
@@ -129,11 +152,13 @@ TEST_P(WorkedExamples, AreReproducedWithinThePrintedPrecision) {
     const bool isInverse = row.notes.rfind("inv", 0) == 0 || row.notes.rfind("fwd and inv", 0) == 0;
     ASSERT_TRUE(isForward || isInverse) << row.notes;
     if (isForward) {
-      const double tolerance = Tolerance(row);
+      const Misprint* const misprint = MisprintOf(row);
+      const double tolerance = misprint ? kMisprintTolerance : Tolerance(row);
+      const shr::Vec2d expected = misprint ? misprint->exact : row.xy;
       std::vector<shr::Vec2d> point = {row.lonlat};
       projector.TransformForward(point);
-      EXPECT_NEAR(point[0].x - xOrg, row.xy.x, tolerance);
-      EXPECT_NEAR(point[0].y - yOrg, row.xy.y, tolerance);
+      EXPECT_NEAR(point[0].x - xOrg, expected.x, tolerance);
+      EXPECT_NEAR(point[0].y - yOrg, expected.y, tolerance);
       EXPECT_FALSE(projector.CheckUnplottableResult());
     }
     if (isInverse) {
@@ -163,6 +188,21 @@ std::string TestNameOf(const testing::TestParamInfo<std::string>& info) {
 }
 
 INSTANTIATE_TEST_SUITE_P(ByMethod, WorkedExamples, testing::ValuesIn(Methods()), TestNameOf);
+
+TEST(WorkedExamplesFile, HasEveryRowThatIsCalledAMisprintAndThatRowTellsSo) {
+  for (const Misprint& m : kMisprints) {
+    size_t found = 0;
+    for (const Row& row : Rows()) {
+      if (MisprintOf(row) != &m || row.notes.rfind("fwd", 0) != 0) continue;
+      ++found;
+      const bool isWrong = std::fabs(m.printed.x - m.exact.x) > Tolerance(row) ||
+                           std::fabs(m.printed.y - m.exact.y) > Tolerance(row);
+      EXPECT_TRUE(isWrong) << "the printed value of line " << row.line << " is good enough";
+      EXPECT_NE(row.notes.find("recomputed"), std::string::npos) << row.notes;
+    }
+    EXPECT_EQ(found, 1u) << m.method;
+  }
+}
 
 TEST(WorkedExamplesFile, HasAllRowsAndNamesEveryMethod) {
   EXPECT_EQ(Rows().size(), 145u);

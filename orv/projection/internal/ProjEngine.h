@@ -125,17 +125,29 @@ std::unique_ptr<ProjActor> MakePlainEngine(const EngineRow<C>& row, ConstantsFun
 }
 
 std::unique_ptr<ProjActor> MakeProjectorAlbers();
+std::unique_ptr<ProjActor> MakeProjectorAzimuthalEquidistant();
 std::unique_ptr<ProjActor> MakeProjectorBonne();
 std::unique_ptr<ProjActor> MakeProjectorCassini();
+std::unique_ptr<ProjActor> MakeProjectorEckert4();
+std::unique_ptr<ProjActor> MakeProjectorEckert6();
 std::unique_ptr<ProjActor> MakeProjectorEquiConic();
 std::unique_ptr<ProjActor> MakeProjectorEquiCyl();
+std::unique_ptr<ProjActor> MakeProjectorGnomonic();
 std::unique_ptr<ProjActor> MakeProjectorHotine();
 std::unique_ptr<ProjActor> MakeProjectorLambert();
+std::unique_ptr<ProjActor> MakeProjectorLambertAzimuthal();
 std::unique_ptr<ProjActor> MakeProjectorMercator();
 std::unique_ptr<ProjActor> MakeProjectorMiller();
+std::unique_ptr<ProjActor> MakeProjectorMollweide();
 std::unique_ptr<ProjActor> MakeProjectorObliqueMercator();
+std::unique_ptr<ProjActor> MakeProjectorOrtho();
+std::unique_ptr<ProjActor> MakeProjectorPolar();
 std::unique_ptr<ProjActor> MakeProjectorPolyconic();
+std::unique_ptr<ProjActor> MakeProjectorRobinson();
+std::unique_ptr<ProjActor> MakeProjectorRobinsonSterling();
+std::unique_ptr<ProjActor> MakeProjectorSinusoidal();
 std::unique_ptr<ProjActor> MakeProjectorTransverseMercator();
 std::unique_ptr<ProjActor> MakeProjectorUTM();
+std::unique_ptr<ProjActor> MakeProjectorVanDerGrinten();
 
 }  // namespace orv::internal

@@ -1,6 +1,7 @@
 // ProjSetUp.h: set-up constants that several engines share, in scalar double.
 #pragma once
 
+#include "orv/projection/Azimuthal.h"
 #include "orv/projection/MeridianArc.h"
 #include "orv/projection/ProjTransverseMercator.h"
 #include "orv/projection/ProjectionParameters.h"
@@ -24,5 +25,9 @@ double ArcLength(const MeridianArc& m, double phi);
 
 /// The constants of the Transverse Mercator and of UTM, of working parameters (radians).  Always true.
 bool SetUpTransverseMercator(ProjectionParameters& radians, TransverseMercator& c);
+
+/// The centre of an azimuthal projection, radians.  The cosine of a right angle, +-1.5707963267948966, is 0
+/// here.
+AzimuthalCentre MakeAzimuthalCentre(double lon0, double lat0);
 
 }  // namespace orv::internal

@@ -1,0 +1,28 @@
+// NewtonSteps.h: Newton's iteration in lanes, for the projections whose auxiliary angle has no closed form.
+#pragma once
+
+#include "orv/lanes/Lanes.h"
+
+namespace orv {
+namespace ORV_ISA {
+
+/// Absolute, in the unit of the unknown: a lane stops at its first correction that is no larger.
+inline constexpr double kNewtonTolerance = 1e-12;
+
+inline constexpr int kNewtonSteps = 50;
+
+/// x + correction(x), again and again, each lane until its own stop (the last correction is made); NaN for a
+/// lane that takes more than kNewtonSteps steps.
+template <class Correction>
+inline Lanes Newton(Lanes x, Correction correction) {
+  Mask active = x == x;
+  for (int i = 0; i < kNewtonSteps && Any(active); ++i) {
+    const Lanes d = correction(x);
+    x = active ? x + d : x;
+    active = active & (abs(d) > kNewtonTolerance);
+  }
+  return Except(x, active, kNaN);
+}
+
+}  // namespace ORV_ISA
+}  // namespace orv
