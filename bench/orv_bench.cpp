@@ -141,7 +141,7 @@ void RegisterEngine(const std::string& name, orv::ProjectionMethod method, const
                     const std::function<void(orv::ProjectionParameters&)>& set) {
   orv::ProjectionParameters p;
   p.method = method;
-  p.ellipsoid = Ellipsoid("WGS84");
+  p.ellipsoid = Ellipsoid("EPSG:7030");
   set(p);
   orv::Projector& projector = Keep<orv::Projector>(orv::ProjectionDef(p));
   RegisterBoth(
@@ -238,7 +238,7 @@ Work Conversion(const orv::DatumDef& from, const orv::DatumDef& to) {
 
 void RegisterDatum(const std::string& name, const orv::DatumDef& datum, const Box& box, bool invertible,
                    const std::string& projDefinition) {
-  const orv::DatumDef wgs84 = Datum("WGS84");
+  const orv::DatumDef wgs84 = Datum("EPSG:6326");
   RegisterBoth(name, box, Conversion(datum, wgs84), invertible ? Conversion(wgs84, datum) : Work(),
                projDefinition);
 }
@@ -247,7 +247,7 @@ orv::DatumDef GridDatum(orv::DatumMethod method, orv::DatumTarget special, bool 
   orv::DatumParameters p;
   p.method = method;
   p.target = method == orv::DatumMethodNone ? orv::DatumTargetWGS84 : orv::DatumTargetNAD83;
-  p.ellipsoid = Ellipsoid("WGS84");
+  p.ellipsoid = Ellipsoid("EPSG:7030");
   p.inverse = inverse;
   orv::DatumDef datum(&p, 0);
   datum.SetSpecial(special);
@@ -302,9 +302,11 @@ const std::string kHelmertDhdn =
 
 void RegisterDatums() {
   const Box europe = {5, 15, 45, 55};
-  RegisterDatum("Molodensky", Datum("ED50"), europe, true,
+  orv::DatumDef ed50 = Datum("EPSG:6230");  // three shifts, which the catalogue has as seven parameters
+  ed50.SetMethod(orv::DatumMethodMolodensky, false);
+  RegisterDatum("Molodensky", ed50, europe, true,
                 "+proj=molodensky +ellps=intl +dx=-87 +dy=-98 +dz=-121 +da=-251 +df=-1.41927027e-05");
-  RegisterDatum("Bursa-Wolf", Datum("DHDN"), europe, true, "+proj=pipeline " + kHelmertDhdn);
+  RegisterDatum("Bursa-Wolf", Datum("EPSG:6314"), europe, true, "+proj=pipeline " + kHelmertDhdn);
   orv::DatumParameters mre;
   mre.method = orv::DatumMethodMRE;
   mre.target = orv::DatumTargetWGS84;
@@ -315,10 +317,10 @@ void RegisterDatums() {
 void RegisterTransformer() {
   orv::ProjectionParameters p;
   p.method = orv::ProjectionMethodTransverseMercator;
-  p.ellipsoid = Ellipsoid("Bessel1841");
+  p.ellipsoid = Ellipsoid("EPSG:7004");
   p.Lon0 = 9;
   p.xOrg = 3500000;
-  const orv::DatumDef dhdn = Datum("DHDN"), wgs84 = Datum("WGS84");
+  const orv::DatumDef dhdn = Datum("EPSG:6314"), wgs84 = Datum("EPSG:6326");
   const orv::ProjectionDef grid(p), geographic(orv::ProjectionMethodUnprojected);
   const orv::ORVDef from(&dhdn, &grid, nullptr), to(&wgs84, &geographic, nullptr);
   orv::CSTransformer& transformer = Keep<orv::CSTransformer>(&from, &to, false, false);
@@ -341,10 +343,10 @@ void RegisterTransformer() {
 
 /// What is not done for each point: no items, but times.
 void RegisterOnce() {
-  const orv::DatumDef dhdn = Datum("DHDN"), wgs84 = Datum("WGS84");
+  const orv::DatumDef dhdn = Datum("EPSG:6314"), wgs84 = Datum("EPSG:6326");
   orv::ProjectionParameters p;
   p.method = orv::ProjectionMethodUTM;
-  p.ellipsoid = Ellipsoid("WGS84");
+  p.ellipsoid = Ellipsoid("EPSG:7030");
   const orv::ProjectionDef utm(p);
   std::string text;
   orv::ORVDef(&wgs84, &utm, nullptr).EncodeToText(text);
