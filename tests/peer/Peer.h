@@ -81,6 +81,13 @@ class Peer {
     proj_context_destroy(m_pContext);
     throw std::runtime_error("PROJ refuses " + definition + ": " + why);
   }
+  /// PROJ's way between two coordinate systems by code, such as "EPSG:4326": x and y are easting and northing, or
+  /// longitude and latitude in the system's own unit, whatever the order of the axes.
+  Peer(const std::string& source, const std::string& dest) : m_pContext(proj_context_create()) {
+    proj_log_level(m_pContext, PJ_LOG_NONE);
+    proj_context_set_enable_network(m_pContext, 0);
+    Adopt(proj_create_crs_to_crs(m_pContext, source.c_str(), dest.c_str(), nullptr), source + " to " + dest);
+  }
   ~Peer() {
     proj_destroy(m_pOperation);
     proj_context_destroy(m_pContext);
@@ -98,6 +105,14 @@ class Peer {
   }
 
  private:
+  void Adopt(PJ* operation, const std::string& what) {
+    m_pOperation = operation ? proj_normalize_for_visualization(m_pContext, operation) : nullptr;
+    proj_destroy(operation);
+    if (m_pOperation) return;
+    proj_context_destroy(m_pContext);
+    throw std::runtime_error("PROJ refuses " + what);
+  }
+
   shr::Vec2d Run(const shr::Vec2d& point, PJ_DIRECTION direction) const {
     PJ_COORD c = proj_coord(point.x, point.y, 0.0, 0.0);
     if (proj_angular_input(m_pOperation, direction)) {

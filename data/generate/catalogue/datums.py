@@ -146,13 +146,14 @@ class Datums:
     def _add_other_methods(self):
         """NADCON, NTv2 and regression equations.
 
-        Those that cannot run backward have no number: a search for another datum of the same number would answer the way back with
-        the default of the conterminous United States.
+        Those have no number for which a search for another datum of it would give a wrong answer on the way back: the Canadian ones,
+        which cannot run backward, would get the default of the conterminous United States; others a datum without any way.
         """
         def ellipsoid(datum):
             return [('ellipsoid', ellipsoids.token(self._db.datum[datum]['ellipsoid_code']))]
         for datum, target, prvi, files in _NADCON:
-            self._add('ORV:NADCON-%d' % datum, '%s (NADCON grids)' % self._db.datum[datum]['name'], datum,
+            number = datum if self._ways.default(datum) else 0
+            self._add('ORV:NADCON-%d' % datum, '%s (NADCON grids)' % self._db.datum[datum]['name'], number,
                       [('method', 'NADCON'), ('target', target), *ellipsoid(datum), ('prvi', prvi)], [], False,
                       'needs the NADCON grid files ' + files)
         self._add('ORV:NTV2-6267', 'North American Datum 1927 (NTv2 grid, Canada)', 0,
