@@ -39,7 +39,8 @@ def make(db_path, root):
     ocf.write(folder / 'datum.ocf', 'Datums', version, datum_entries,
               ['Metres, arc-seconds (position vector), parts per million.  posc is the EPSG code of the datum.'])
     ocf.write(folder / 'system.ocf', 'Coordinate systems', version, system_entries,
-              ['posc is the EPSG code of the system.  False origins in metres; Scale brings them to the unit.'], blank_between=False)
+              ['posc is the EPSG code of the system.  False origins in metres; Scale brings them to the unit.'],
+              blank_between=False)
     (folder / 'NOTICE').write_text(coverage.notice(version), encoding='ascii')
     (folder / 'coverage.md').write_text(coverage.report(db, ways, datums, systems, version), encoding='ascii')
     (root / 'tests' / 'data' / 'catalogue_forms.tsv').write_text(sample.forms(systems), encoding='ascii')

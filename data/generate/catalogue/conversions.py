@@ -85,8 +85,8 @@ _LEAST_GROWTH = 5e-6
 def lambert_1sp_to_2sp(lat0, k0, flattening):
     """Lambert Conformal Conic with one standard parallel as one with two: same cone.
 
-    The parallels are those where the scale is 1.  They exist for k0 below 1; for a k0 of 1 or more, or a shade less, the parallels of
-    a cone of smaller k0, one degree away, are taken, and the rest of the scale is given as a factor.
+    The parallels are those where the scale is 1.  They exist for k0 below 1; for a k0 of 1 or more, or a shade less, the
+    parallels of a cone of smaller k0, one degree away, are taken, and the rest of the scale is given as a factor.
     """
     phi0 = math.radians(lat0)
     if -math.log(k0) >= _LEAST_GROWTH:
@@ -108,8 +108,8 @@ def lambert_rescaled(lat1, lat2, factor, flattening):
 def lambert_belgium_lon0(lon0, lat1, lat2, flattening):
     """Central longitude of the plain Lambert (2SP) that equals the Belgian variant.
 
-    That one turns the map by the constant a = 29.2985 seconds, theta - a in place of theta [EPSG9]; theta = n (lambda - lambda0), so
-    lambda0 + a / n does the same.
+    That one turns the map by the constant a = 29.2985 seconds, theta - a in place of theta [EPSG9]; with theta =
+    n (lambda - lambda0), lambda0 + a / n does the same.
     """
     return lon0 + 29.2985 / 3600 / math.sin(Cone.of_parallels(lat1, lat2, flattening).phi0)
 
@@ -156,8 +156,8 @@ AZIMUTH_BESIDE_90 = 89.9998
 def hotine_azimuth(azimuth):
     """An azimuth of exactly 90 degrees as 89.9998.
 
-    The set-up takes the arc sine of a number that is 1 but for rounding, which loses half the digits: up to 9 cm.  0.7 seconds less
-    cost half a millimetre in the area of use of the systems concerned.
+    The set-up takes the arc sine of a number that is 1 but for rounding, which loses half the digits: up to 9 cm.  0.7 seconds
+    less cost half a millimetre in the area of use of the systems concerned.
     """
     return math.copysign(AZIMUTH_BESIDE_90, azimuth) if abs(abs(azimuth) - 90) < 1e-12 else azimuth
 

@@ -81,10 +81,12 @@ def report(db, ways, datums, systems, version):
                     [('geographic 2-D', len(geographic), '%d (%d plain, %d as Equidistant Cylindrical)' %
                       (len(geographic), len(geographic) - as_angles, as_angles), reached[0]),
                      ('projected', len(projected) + len(systems.left_out), len(projected), reached[1])])
-    lines += ['%d tokens begin with EPSG, %d with ORV.' % (tokens['EPSG'], tokens['ORV:']), '', '## Projected systems by method', '']
+    lines += ['%d tokens begin with EPSG, %d with ORV.' % (tokens['EPSG'], tokens['ORV:']), '',
+              '## Projected systems by method', '']
     lines += _table(('EPSG method', 'method here', 'current', 'expressed', 'left out', 'why'), _by_method(db, systems))
     lines += ['## Conversions of parameters', '',
-              'Entries whose numbers were converted in a way that the EPSG Terms of Use do not list have ORV before their code.', '']
+              'Entries whose numbers were converted in a way that the EPSG Terms of Use do not list have ORV before their',
+              'code.', '']
     lines += _table(('entries', 'conversion', 'prefix', 'number'), _note_rows(db, ways, systems, datums))
     lines += ['## Forms', '', 'Systems that share a projection with one on another datum and have another form of it: %d.' %
               len(systems.nominal), '']
@@ -93,6 +95,6 @@ def report(db, ways, datums, systems, version):
     lines += _table(('way', 'datums'), _datum_rows(ways, datums))
     lines += ['## Left out', '']
     lines += _table(('code', 'system', 'EPSG method', 'why'),
-                    [(d.code, ocf.ascii_text(d.row['name']).replace('|', '/'), '%d %s' % (d.method, d.conversion['method_name']), why)
-                     for d, why in systems.left_out])
+                    [(d.code, ocf.ascii_text(d.row['name']).replace('|', '/'),
+                      '%d %s' % (d.method, d.conversion['method_name']), why) for d, why in systems.left_out])
     return '\n'.join(lines)

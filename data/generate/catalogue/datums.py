@@ -146,8 +146,8 @@ class Datums:
     def _add_other_methods(self):
         """NADCON, NTv2 and regression equations.
 
-        Those have no number for which a search for another datum of it would give a wrong answer on the way back: the Canadian ones,
-        which cannot run backward, would get the default of the conterminous United States; others a datum without any way.
+        Those have no number for which a search for another datum of it would give a wrong answer on the way back: the Canadian
+        ones, which cannot run backward, would get the default of the conterminous United States; others a datum without any way.
         """
         def ellipsoid(datum):
             return [('ellipsoid', ellipsoids.token(self._db.datum[datum]['ellipsoid_code']))]

@@ -1,7 +1,7 @@
 """EPSG methods and parameters as projections of the library.
 
-Only what the library can do exactly: everything else raises LeftOut with the reason.  A conversion that the EPSG Terms of Use do not
-list among the permitted ones makes a note that is not `listed`; such an entry is not attributed to EPSG.
+Only what the library can do exactly: everything else raises LeftOut with the reason.  A conversion that the EPSG Terms of Use
+do not list among the permitted ones makes a note that is not `listed`; such an entry is not attributed to EPSG.
 """
 import copy
 from dataclasses import dataclass, field
@@ -137,7 +137,8 @@ _IMPOSSIBLE = {
     9828: 'axes point west and south, and no scale may be negative',
     9809: 'the library has the one-step form over the conformal latitude, EPSG the two-step form; 9 to 88 m apart',
     9820: 'the library has the method on the sphere only; 2 to 10 km apart',
-    9831: 'the library has the method on the sphere only; 202 m apart', 9832: 'the library has the method on the sphere only; 113 m apart',
+    9831: 'the library has the method on the sphere only; 202 m apart',
+    9832: 'the library has the method on the sphere only; 113 m apart',
     9833: 'the library has the plain Cassini; 3 m apart'}
 
 

@@ -36,14 +36,15 @@ def _centre(projection):
 
 def forms(systems):
     """The systems that got another form, with their projections as they were and a point inside the area."""
-    lines = ['# Projections as EPSG has them of the systems that were given another form of the same map: the form must not move\n',
-             '# points.  Made by data/generate/make_catalogue.py.\n',
+    lines = ['# Projections as EPSG has them of the systems that were given another form of the same map: the form must not\n',
+             '# move points.  Made by data/generate/make_catalogue.py.\n',
              _line(('code', 'method', *_COLUMNS, 'bsouth', 'lon', 'lat'))]
     for s in systems.all():
         if s.code in systems.nominal:
             p = systems.nominal[s.code]
             lon, lat = _inside(s.boxes[0], lambda: 0.75)
-            lines.append(_line((s.code, p.method, *(getattr(p, key) for key in _COLUMNS), int(p.bsouth), _near(lon, _centre(p)), lat)))
+            lines.append(_line((s.code, p.method, *(getattr(p, key) for key in _COLUMNS), int(p.bsouth),
+                                _near(lon, _centre(p)), lat)))
     return ''.join(lines)
 
 
@@ -70,12 +71,14 @@ def _draw(systems, rng):
 def drawn(db, systems):
     """Systems for the comparison with a peer: points of each, from Greenwich on the system's own datum.
 
-    `base` is the geographic system below, whose longitudes count from `meridian` in a unit of which `turn` make a circle; `operations`
-    are EPSG's to WGS 84 in order, a negative one backward, "-" for none.
+    `base` is the geographic system below, whose longitudes count from `meridian` in a unit of which `turn` make a circle;
+    `operations` are EPSG's to WGS 84 in order, a negative one backward, "-" when none is needed, "none" when there is no way.
     """
     rng = random.Random(SEED)
-    lines = ['# %d systems, drawn with the seed %d by data/generate/make_catalogue.py, and %d points of each.\n' % (SYSTEMS, SEED, POINTS),
-             _line(('token', 'code', 'base', 'meridian', 'turn', 'metres', 'operations', *(a + str(i) for i in range(POINTS) for a in ('lon', 'lat'))))]
+    columns = ('token', 'code', 'base', 'meridian', 'turn', 'metres', 'operations')
+    lines = ['# %d systems, drawn with the seed %d by data/generate/make_catalogue.py, and %d points of each.\n' %
+             (SYSTEMS, SEED, POINTS),
+             _line((*columns, *(axis + str(i) for i in range(POINTS) for axis in ('lon', 'lat'))))]
     for s in _draw(systems, rng):
         base_unit = db.axes[db.geodetic[s.base]['coordinate_system_code']][0]['uom_code']
         operations = '+'.join(map(str, s.way.operations)) or '-' if s.way else 'none'

@@ -80,7 +80,8 @@ def moved_origin(p, step):
 
 def nudged(p, metres):
     """A map whose false northing of 0 has become a few nanometres, 1e-14 degrees: for the systems of angles."""
-    note = Note('false northing of %.0e m: same map, %s' % (metres, _WHY), False, 'false northing of nanometres: same map, ' + _WHY)
+    note = Note('false northing of %.0e m: same map, %s' % (metres, _WHY), False,
+                'false northing of nanometres: same map, ' + _WHY)
     return p.altered(note, yorg=metres)
 
 

@@ -50,11 +50,16 @@ class Systems:
         return self.geographic + self.projected
 
     def _datum(self, code):
-        """The datum from Greenwich, and the degrees that its longitudes are behind."""
+        """The datum from Greenwich, and the degrees that the system's longitudes count from it.
+
+        A datum with a meridian of its own that no operation changes has none from Greenwich: it stays, and has no way to WGS 84
+        either, so that longitudes on it may be taken from Greenwich too.
+        """
         datum = self._db.geodetic[code]['datum_code']
-        if self._db.datum[datum]['prime_meridian_code'] != GREENWICH and datum in self._ways.rotation:
-            return self._ways.rotation[datum][:2]
-        return datum, 0.0
+        meridian = self._db.datum[datum]['prime_meridian_code']
+        if meridian == GREENWICH:
+            return datum, 0.0
+        return self._ways.rotation[datum][:2] if datum in self._ways.rotation else (datum, self._db.meridian_degrees(meridian))
 
     def _geographic(self, code):
         db = self._db
@@ -64,7 +69,8 @@ class Systems:
         projection = None
         if meridian or grads:
             name = db.meridian[db.datum[row['datum_code']]['prime_meridian_code']]['name']
-            note = Note('longitudes from %s in %s, as an Equidistant Cylindrical' % (name, 'grads' if grads else 'degrees'), False,
+            unit = 'grads' if grads else 'degrees'
+            note = Note('longitudes from %s in %s, as an Equidistant Cylindrical' % (name, unit), False,
                         'longitudes from another meridian or in grads, as an Equidistant Cylindrical')
             projection = projections.of_angles(meridian, 400 if grads else 360).altered(note)
         else:
@@ -82,8 +88,8 @@ class Systems:
         projection = projections.express(definition)
         boxes = db.boxes('projected_crs', code)
         way = self._ways.for_area(datum, boxes[0]) if boxes else self._ways.default(datum)
-        return System(code, row['name'], self._group(definition, base, boxes), datum, way, self._datums.key(way), projection, boxes,
-                      definition.method, definition.unit, base, meridian, definition.northing_first())
+        return System(code, row['name'], self._group(definition, base, boxes), datum, way, self._datums.key(way), projection,
+                      boxes, definition.method, definition.unit, base, meridian, definition.northing_first())
 
     def _group(self, definition, base, boxes):
         conversion, base_name = definition.conversion['name'], self._db.geodetic[base]['name']

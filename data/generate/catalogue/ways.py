@@ -1,7 +1,7 @@
 """How a geodetic datum gets to WGS 84: all ways that the data set's operations allow, and the one to take.
 
-Geocentric transformations in three or seven parameters are used: Helmert (three; position vector; coordinate frame), in either form
-of Molodensky-Badekas, and changes of the prime meridian.  Grids and time-dependent operations are not.
+Geocentric transformations in three or seven parameters are used: Helmert (three; position vector; coordinate frame), either
+form of Molodensky-Badekas, and changes of the prime meridian.  Grids and time-dependent operations are not.
 """
 from collections import defaultdict
 from dataclasses import dataclass, field, replace
@@ -63,7 +63,8 @@ class Ways:
         for row in db.helmert.values():
             if row['method_code'] in _USABLE and self._ends(row)[0] != self._ends(row)[1]:
                 self._steps[self._ends(row)[0]].append(self._step(row))
-        self._moving = {datum for row in db.helmert.values() if row['method_code'] in _TIME_DEPENDENT for datum in self._ends(row)}
+        self._moving = {datum for row in db.helmert.values() if row['method_code'] in _TIME_DEPENDENT
+                        for datum in self._ends(row)}
         #: datum: (the datum that it becomes when its longitudes change, degrees, EPSG code)
         self.rotation = {}
         for row in sorted(db.other.values(), key=lambda r: (r['deprecated'], r['code'])):
@@ -190,7 +191,8 @@ class Ways:
         null = [way for way, _ in good if way.shift.is_null()]
         if null and self._db.datum[datum]['ellipsoid_code'] in _GEOCENTRIC:
             return min(null, key=Way._rank)
-        return min(good, key=lambda g: (g[0]._rank(), not g[0].shift.is_null(), -round(g[1], 2), -max(g[0].codes(), default=0)))[0]
+        return min(good, key=lambda g: (g[0]._rank(), not g[0].shift.is_null(), -round(g[1], 2),
+                                        -max(g[0].codes(), default=0)))[0]
 
     def for_area(self, datum, box):
         """The default way, unless it covers less than half of the area and another covers more."""

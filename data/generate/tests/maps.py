@@ -1,4 +1,4 @@
-"""Projections and transformations by other formulas than the generator's, for its tests.  Radians inside, degrees and metres outside."""
+"""Projections and transformations by other formulas than the generator's, for its tests.  Degrees and metres."""
 import math
 
 

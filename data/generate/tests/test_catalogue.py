@@ -54,9 +54,10 @@ class Catalogue(unittest.TestCase):
         self.assertEqual({e['datum'] for e in self.system_entries} - set(self.datum), set())
 
     def test_prefix_tells_unlisted_conversions(self):
-        for code, token in ((32632, 'EPSG:32632'), (27700, 'EPSG:27700'), (2154, 'EPSG:2154'), (3857, 'EPSG:3857'), (3031, 'EPSG:3031'),
-                            (2056, 'ORV:2056'), (31300, 'ORV:31300'), (27572, 'ORV:27572'), (4807, 'ORV:4807'), (4326, 'EPSG:4326')):
-            self.assertEqual(self.by_code[code]['token'], token)
+        for code in (4326, 32632, 27700, 2154, 3857, 3031):
+            self.assertEqual(self.by_code[code]['token'], 'EPSG:%d' % code)
+        for code in (2056, 31300, 27572, 4807):
+            self.assertEqual(self.by_code[code]['token'], 'ORV:%d' % code)
         for e in self.system_entries:
             if e['token'].startswith('ORV'):
                 self.assertIn('converted: ', e['comment'])
@@ -66,14 +67,16 @@ class Catalogue(unittest.TestCase):
 
     def test_special_datums_come_first(self):
         self.assertEqual([(e['token'], e['special']) for e in self.datum_entries[:5]],
-                         [('EPSG:6326', 'WGS84'), ('ORV:6269', 'NAD83'), ('ORV:NAD83-CANADA', 'NAD83-CANADA'), ('EPSG:6267', 'NAD27'),
+                         [('EPSG:6326', 'WGS84'), ('ORV:6269', 'NAD83'), ('ORV:NAD83-CANADA', 'NAD83-CANADA'),
+                          ('EPSG:6267', 'NAD27'),
                           ('EPSG:6267-1172', 'NAD27-CANADA')])
         self.assertFalse(any('special' in e for e in self.datum_entries[5:]))
 
     def test_names_that_stand_for_the_old_short_ones(self):
         names = {e['name']: e['token'] for e in self.datum_entries}
-        self.assertEqual([names[n] for n in ('North American Datum 1927', 'North American Datum 1983', 'World Geodetic System 1984')],
-                         ['EPSG:6267', 'ORV:6269', 'EPSG:6326'])
+        for name, token in (('North American Datum 1927', 'EPSG:6267'), ('North American Datum 1983', 'ORV:6269'),
+                            ('World Geodetic System 1984', 'EPSG:6326')):
+            self.assertEqual(names[name], token)
 
     def test_default_ways(self):
         # EPSG: NAD27 to WGS 84 (4) is the mean for the conterminous United States: -8, 160, 176
@@ -119,19 +122,29 @@ class Catalogue(unittest.TestCase):
         self.assertEqual(e['datum'].split(':')[1], '6275')
         self.assertAlmostEqual(e['lon0'], 2.5969213 * 0.9, delta=1e-12)
 
+    def test_meridians_without_an_operation_are_folded_too(self):
+        # Madrid 1870 (Madrid) / Spain LCC has its own meridian, 3 d 41' 14.55" W, as the central one
+        e = self.by_code[2062]
+        self.assertEqual((e['token'], e['datum']), ('ORV:2062', 'EPSG:6903'))
+        self.assertAlmostEqual(e['lon0'], -(3 + 41 / 60 + 14.55 / 3600), delta=1e-12)
+        self.assertEqual(self.by_code[4903]['projtype'], 'Equidistant Cylindrical')
+
     def test_grads_on_the_sphere(self):
         e = self.by_code[4807]
         self.assertEqual((e['projtype'], e['ellipsoid']), ('Equidistant Cylindrical', 'ORV:SPHERE-6378137'))
         self.assertAlmostEqual(e['scale'] * 6378137.0 * 3.141592653589793, 200.0, delta=1e-11)
 
+    def unit_of(self, row):
+        return self.db.axes[row['coordinate_system_code']][0]['uom_code']
+
     def test_units_in_use_are_there(self):
         linear = {dict(e)['posc'] for e in units.linear(self.db)}
         angular = {dict(e)['posc'] for e in units.angular(self.db)}
         for code in self.db.current(self.db.projected):
-            self.assertIn(self.db.axes[self.db.projected[code]['coordinate_system_code']][0]['uom_code'], linear)
+            self.assertIn(self.unit_of(self.db.projected[code]), linear)
         for code in self.db.current(self.db.geodetic):
             if self.db.geodetic[code]['type'] == 'geographic 2D':
-                self.assertIn(self.db.axes[self.db.geodetic[code]['coordinate_system_code']][0]['uom_code'], angular)
+                self.assertIn(self.unit_of(self.db.geodetic[code]), angular)
         self.assertEqual(dict(units.linear(self.db)[0])['posc'], 9001)
         self.assertEqual(dict(units.angular(self.db)[0])['posc'], 9102)
 
