@@ -91,8 +91,8 @@ class Datums:
         if notes:
             parts.append('converted: ' + ', '.join(note.text for note in notes))
         if way.meridian:
-            parts.append('longitudes from %s degrees; exact towards WGS 84 only' % short(way.meridian))
-        return '; '.join(parts)
+            parts.append('longitudes from %s degrees, exact towards WGS 84 only' % short(way.meridian))
+        return ocf.comment(parts)
 
     def _add(self, token, name, posc, head, tail, geogcs, comment, special=None):
         if name.lower() in self._names:
@@ -158,12 +158,12 @@ class Datums:
                       'needs the NADCON grid files ' + files)
         self._add('ORV:NTV2-6267', 'North American Datum 1927 (NTv2 grid, Canada)', 0,
                   [('method', 'NTV2'), ('target', 'NAD83-CANADA'), *ellipsoid(NAD27)], [], False,
-                  'needs the Canadian national NTv2 grid file; towards NAD83 only')
+                  'needs the Canadian national NTv2 grid file, towards NAD83 only')
         for name, datum in _MRE:
             self._add('DMA:MRE-' + name, '%s (multiple regression, %s)' % (self._db.datum[datum]['name'], name),
                       0 if name == 'NAD27CANADA' else datum,
                       [('method', 'MRE'), ('target', 'WGS84'), *ellipsoid(datum), ('mretype', name)], [], False,
-                      'DMA TR 8350.2, multiple regression equations; towards WGS 84 only')
+                      'DMA TR 8350.2, multiple regression equations, towards WGS 84 only')
 
     def table(self):
         """The entries; call it when all systems have taken theirs."""

@@ -4,7 +4,7 @@ Each is given by the two values that define it: radius with inverse flattening, 
 """
 from . import ocf
 
-WGS84, GRS80 = 7030, 7019
+WGS84 = 7030
 SPHERE_RADIUS = 6378137.0
 SPHERE_TOKEN = 'ORV:SPHERE-6378137'
 

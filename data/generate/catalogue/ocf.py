@@ -27,6 +27,11 @@ def ascii_text(text):
     return re.sub(r'\s+', ' ', text.encode('ascii', 'replace').decode()).strip()
 
 
+def comment(fields):
+    """A comment of fields, each behind a semicolon; semicolons inside become commas."""
+    return '; '.join(text.replace(';', ',') for text in fields)
+
+
 def short(value):
     """The shortest decimal number that reads back as the same double, without exponent."""
     text = format(Decimal(repr(float(value))), 'f')

@@ -7,9 +7,6 @@ from .datums import prefix
 from .projections import LeftOut, Note
 
 _GRADS = (9105, 9106)
-# First parts of names of areas that are groups as they are.
-_CONTINENTS = ('World', 'Europe', 'Asia', 'Africa', 'North America', 'South America', 'Antarctica', 'Arctic', 'Australasia',
-               'Latin America', 'Europe and north Africa', 'Asia and Australasia')
 
 
 @dataclass
@@ -100,8 +97,7 @@ class Systems:
         area = boxes[0].name
         if ('SPCS' in conversion or 'CS27' in conversion) and area.startswith(('USA', 'Puerto', 'American', 'Guam')):
             return 'USA|State Plane|' + base_name
-        part = area.split(' - ')[0].strip()
-        return part if part in _CONTINENTS else part.replace('|', '/')
+        return area.split(' - ')[0].strip().replace('|', '/')
 
     # ---- the table ---------------------------------------------------------------------------------------------------
 
@@ -113,7 +109,7 @@ class Systems:
             parts.append('axes in EPSG: northing, easting')
         if system.projection and system.projection.notes:
             parts.append('converted: ' + ', '.join(note.text for note in system.projection.notes))
-        return '; '.join(parts)
+        return ocf.comment(parts)
 
     def table(self):
         entries, names = [], set()

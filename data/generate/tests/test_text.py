@@ -29,6 +29,9 @@ class Texts(unittest.TestCase):
         self.assertEqual(ocf.ascii_text('Réunion "1947"\n– 5°W'), "Reunion '1947' - 5 deg W")
         self.assertEqual(ocf.ascii_text('Østfold, Þingvellir'.replace('Þ', 'þ')), 'Ostfold, thingvellir')
 
+    def test_fields_of_a_comment(self):
+        self.assertEqual(ocf.comment(['India; Pakistan', 'unit: foot']), 'India, Pakistan; unit: foot')
+
     def test_numbers_have_the_layout_of_the_library(self):
         self.assertEqual(ocf.value_text(ocf.Number(0.9996)), '0.99960000000000004405')
         self.assertEqual(ocf.value_text(ocf.Number(-8.0, '%24.18f')), '   -8.000000000000000000')
