@@ -12,6 +12,9 @@ from .projections import EQUICYL, HOTINE, LAMBERT, MERCATOR, POLYCONIC, STEREO, 
 STEP = 2e-9
 _TOLERANCE = 1e-9
 _WHY = 'to differ from other datums'
+# Datums whose systems keep their form before all but those that coincide with WGS 84: WGS 72, of which the number of
+# systems says too little beside that of its broadcast ephemeris.
+_FIRST = {6322}
 
 
 def kept(projection):
@@ -103,14 +106,18 @@ def forms(p):
 def separate(systems):
     """Gives systems other forms until no two compare equal whose datums do not.
 
-    @param systems  objects with `projection` (replaced), `datum_key` (equal for datums that compare equal) and `code`
+    @param systems  objects with `projection` (replaced), `datum`, `datum_key` (equal for datums that compare equal) and `code`
     @returns        {code: the projection it had} of those that were changed
-    Datums that coincide with WGS 84 keep their form first, then those with the most systems, then the lowest codes.
+    Datums that coincide with WGS 84 keep their form first, then WGS 72, those with the most systems, the lowest codes; last
+    those without a way to WGS 84.
     """
     popular = Counter(s.datum_key for s in systems)
     near = defaultdict(list)
     nominal = {}
-    for s in sorted(systems, key=lambda s: (s.datum_key[0] != 'None', -popular[s.datum_key], s.code)):
+
+    def rank(s):
+        return {'None': 0, 'Unknown': 3}.get(s.datum_key[0], 1 if s.datum in _FIRST else 2), -popular[s.datum_key], s.code
+    for s in sorted(systems, key=rank):
         p = s.projection
         place = near[round((p.lon1 if p.method == HOTINE else p.lon0) % 360, 4)]
         for form in forms(p):

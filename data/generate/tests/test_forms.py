@@ -11,8 +11,8 @@ A, F = 6378388.0, 1 / 297
 ZONE = Projection(UTM, 'E', A, F, lon0=9.0, kscale=0.9996)
 
 
-def system(code, projection, datum):
-    return SimpleNamespace(code=code, projection=projection, datum_key=datum)
+def system(code, projection, datum_key, datum=0):
+    return SimpleNamespace(code=code, projection=projection, datum_key=datum_key, datum=datum)
 
 
 class Equality(unittest.TestCase):
@@ -106,6 +106,14 @@ class Separation(unittest.TestCase):
         other = ZONE.altered(lon0=15.0)
         systems = [system(1, ZONE, ('B',)), system(2, ZONE, ('C',)), system(3, other, ('C',))]
         self.assertEqual(sorted(shortcut.separate(systems)), [1])
+
+    def test_wgs_72_keeps_its_form_before_others(self):
+        systems = [system(1, ZONE, ('B',)), system(2, ZONE, ('B',)), system(3, ZONE, ('C',), 6322)]
+        self.assertEqual(sorted(shortcut.separate(systems)), [1, 2])
+
+    def test_datums_without_a_way_come_last(self):
+        systems = [system(1, ZONE, ('Unknown',)), system(2, ZONE, ('Unknown',)), system(3, ZONE, ('C',))]
+        self.assertEqual(sorted(shortcut.separate(systems)), [1, 2])
 
     def test_systems_of_angles(self):
         p = Projection(EQUICYL, 'S', 6378137.0, 0.0, scale=200 / math.pi / 6378137.0, lon0=2.33722917)
