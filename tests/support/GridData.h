@@ -3,12 +3,9 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <map>
-#include <sstream>
-#include <stdexcept>
 #include <string>
-#include <vector>
+
+#include "tests/support/Table.h"
 
 namespace orv::test {
 
@@ -21,28 +18,5 @@ inline std::string GridData(const std::string& name) {
   return std::filesystem::exists(path) ? path : "";
 }
 inline constexpr char kNoGridData[] = "the published grids are not here: set ORV_GRID_DATA to their folder";
-
-/// Rows of a table with a header line, by column.
-inline std::vector<std::map<std::string, std::string>> ReadTable(const std::string& path) {
-  std::ifstream file(path);
-  if (!file) throw std::runtime_error("cannot read " + path);
-  const auto split = [](const std::string& line) {
-    std::vector<std::string> fields;
-    std::istringstream stream(line);
-    for (std::string field; std::getline(stream, field, '\t');) fields.push_back(field);
-    return fields;
-  };
-  std::string line;
-  std::getline(file, line);
-  const std::vector<std::string> columns = split(line);
-  std::vector<std::map<std::string, std::string>> rows;
-  while (std::getline(file, line)) {
-    const std::vector<std::string> fields = split(line);
-    if (fields.empty()) continue;
-    auto& row = rows.emplace_back();
-    for (size_t k = 0; k < fields.size() && k < columns.size(); ++k) row[columns[k]] = fields[k];
-  }
-  return rows;
-}
 
 }  // namespace orv::test

@@ -3,19 +3,15 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <map>
-#include <memory>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "orv/core/Startup.h"
-#include "orv/projection/ProjActor.h"
 #include "orv/projection/ProjectionDef.h"
 #include "orv/system/CSList.h"
 #include "orv/system/ORVDef.h"
+#include "tests/support/Table.h"
 
 namespace orv::test {
 
@@ -54,41 +50,5 @@ class ShippedCatalogue : public ::testing::Test {
     return systems;
   }
 };
-
-/// Whether the system is geographic, or the library can compute its projection.
-inline bool HasEngine(const ORVDef& system) {
-  const ProjectionMethod method = system.GetProjection()->GetMethod();
-  return method == ProjectionMethodUnprojected || MakeProjActor(method) != nullptr;
-}
-
-/// The rows of a table of cells separated by tabs, by the names in its first line; lines that begin with "#" are
-/// comments.
-using Row = std::map<std::string, std::string>;
-inline std::vector<Row> ReadTable(const std::string& path) {
-  std::ifstream file(path);
-  if (!file) throw std::invalid_argument("cannot read " + path);
-  const auto cells = [](const std::string& line) {
-    std::vector<std::string> found;
-    std::istringstream stream(line);
-    for (std::string cell; std::getline(stream, cell, '\t');) found.push_back(cell);
-    return found;
-  };
-  std::vector<Row> rows;
-  std::vector<std::string> head;
-  for (std::string line; std::getline(file, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    if (head.empty()) {
-      head = cells(line);
-      continue;
-    }
-    const std::vector<std::string> values = cells(line);
-    if (values.size() != head.size()) throw std::invalid_argument(path + ": " + line);
-    Row row;
-    for (size_t i = 0; i < head.size(); ++i) row[head[i]] = values[i];
-    rows.push_back(row);
-  }
-  return rows;
-}
-inline double Number(const Row& row, const std::string& name) { return std::stod(row.at(name)); }
 
 }  // namespace orv::test
