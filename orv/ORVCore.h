@@ -1,6 +1,8 @@
 // ORVCore.h: all public headers at once.
 #pragma once
 
+#include "orv/convert/DatumRoute.h"
+#include "orv/convert/KnownSearch.h"
 #include "orv/core/DataType.h"
 #include "orv/core/Error.h"
 #include "orv/core/Export.h"
