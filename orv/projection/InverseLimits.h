@@ -34,6 +34,14 @@ inline double Divisor(double d) {
   return safe;
 }
 
+/// True where either coordinate, in radii, is farther out than that: no point of the map, and squares might
+/// overflow.
+inline Mask FartherThan(Lanes x, Lanes y, double farthest) {
+  const Mask farX = abs(x) > farthest;
+  const Mask farY = abs(y) > farthest;
+  return farX | farY;
+}
+
 /// phi, clamped to the poles; NaN when more than kBeyondPole outside.
 inline Lanes LatitudeOrNaN(Lanes phi) {
   return Except(Clamp(phi, kHalfPi), abs(phi) > kHalfPi + kBeyondPole, kNaN);

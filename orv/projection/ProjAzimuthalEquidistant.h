@@ -35,7 +35,7 @@ inline Point Forward(const AzimuthalEquidistant& c, Point p) {
 
 inline Point Inverse(const AzimuthalEquidistant& c, Point p) {
   const Lanes x0 = p.x / c.a, y0 = p.y / c.a;
-  const Mask far = (abs(x0) > 4.0) | (abs(y0) > 4.0);
+  const Mask far = FartherThan(x0, y0, 4.0);
   const Lanes x = Except(x0, far, 0.0), y = Except(y0, far, 0.0);
   const Lanes rho = sqrt(x * x + y * y);  // c (25-15)
   const Mask outside = far | (rho > kPi * (1.0 + kAzimuthalEquidistantRim));

@@ -32,7 +32,7 @@ inline Point Forward(const LambertAzimuthal& c, Point p) {
 
 inline Point Inverse(const LambertAzimuthal& c, Point p) {
   const Lanes x0 = p.x / c.a, y0 = p.y / c.a;
-  const Mask far = (abs(x0) > 4.0) | (abs(y0) > 4.0);
+  const Mask far = FartherThan(x0, y0, 4.0);
   const Lanes x = Except(x0, far, 0.0), y = Except(y0, far, 0.0);
   const Lanes q = 0.5 * sqrt(x * x + y * y);  // sin(c/2) (24-16)
   const Mask outside = far | (q > 1.0 + kLambertAzimuthalRim);

@@ -32,7 +32,7 @@ inline Point Forward(const Orthographic& c, Point p) {
 
 inline Point Inverse(const Orthographic& c, Point p) {
   const Lanes x0 = p.x / c.a, y0 = p.y / c.a;
-  const Mask far = (abs(x0) > 2.0) | (abs(y0) > 2.0);
+  const Mask far = FartherThan(x0, y0, 2.0);
   const Lanes x = Except(x0, far, 0.0), y = Except(y0, far, 0.0);
   const Lanes rho = sqrt(x * x + y * y);  // (20-18), which is sin c (20-19)
   const Mask outside = far | (rho > 1.0 + kOrthographicRim);

@@ -60,7 +60,7 @@ inline Point Forward(const Polyconic& c, Point p) {
 inline Point Inverse(const Polyconic& c, Point p) {
   const double inverseA = 1.0 / c.a;
   const Lanes x0 = p.x * inverseA, A0 = (c.m0 + p.y) * inverseA;  // (18-7), (18-18)
-  const Mask far = (abs(x0) > kPolyconicFarthest) | (abs(A0) > kPolyconicFarthest);
+  const Mask far = FartherThan(x0, A0, kPolyconicFarthest);
   const Mask equator = abs(A0) < kPolyconicEquator;
   const Lanes x = Except(x0, far, 0.0), A = Except(abs(A0), far | equator, 1.0);
   // phi is the root of d - (C/2)(x^2 + d^2), d = A - M/a, C = sqrt(1 - e2 sin^2 phi) tan phi (18-20), which
