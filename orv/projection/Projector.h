@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "orv/core/Export.h"
+#include "orv/projection/ProjectionClip.h"
 #include "orv/projection/ProjectionDef.h"
 #include "orv/shared/Vec2d.h"
 
@@ -16,7 +17,8 @@ class ProjActor;
 
 namespace internal {
 struct ProjectorAccess;
-}
+struct ProjectorClip;
+}  // namespace internal
 
 /// Projects batches of points in place.  Geographic points are longitude and latitude in degrees; projected
 /// ones are x and y in the projected unit.
@@ -78,6 +80,37 @@ class ORV_API Projector {
   /// degrees; false without an engine, which writes nothing.
   bool OffsetSplitObject(const shr::Vec2d* points, size_t count, double* dx, double* dy);
 
+  /// Cuts a polyline (degrees) down to the usable part of the projection and hands over each visible part;
+  /// projects nothing.  One wholly inside comes once, unchanged.
+  ///
+  /// A crossing is found to 0.001 degree, on the inside.  Deliberate: an edge with both ends outside is
+  /// outside, whatever lies between.  When OffsetSplitObject has a shift for the polyline, the shifted copy is
+  /// clipped as well, in addition.  Without an engine there is no call.
+  ///
+  /// Raised, with the unit "ProjectionClip": 1026 "Not enough points for polyline." (fewer than 2, null points
+  /// or a null callback); 1026 "Failed clipping polyline." and for the copy 1026 "Failed clipping adjusted
+  /// polyline." (the callback has said no, or an edge that crosses has an infinite or NaN coordinate).  What
+  /// has been handed over stays so.  1026 "Out of memory." has the unit "ProjCSegList".
+  void PreclipPolyline(void* context, size_t n, const shr::Vec2d* points, ORVPolylineCallback callback);
+
+  /// The same for a polygon: rings of degrees, one behind the other, read under the even-odd rule; a ring may
+  /// repeat its first point at its end, and then its pieces do.
+  ///
+  /// Each connected piece comes in one call: its outer ring, then its holes, orientation kept.  A polygon
+  /// wholly inside comes in one call, its rings unchanged; one that contains the whole usable area yields the
+  /// area's own rim.  Rings of fewer than three edges never come.  The rim between two crossings is traced with
+  /// five probes; where they cannot follow it (around a corner, the long way around a cap) or their chords
+  /// would cut off a part of the polygon, in more parts than one.  The second callback receives what is to be
+  /// stroked: the visible part of each ring, without traced rim.  When a ring has a shift the shifted polygon
+  /// is clipped as well, in addition; the first ring that has one decides.
+  ///
+  /// Raised, with the unit "ProjectionClip": 1032 "Bad parameter to function call." (no rings, null counts,
+  /// either callback null); 1026 "Bad parameters to internal function call." (null points, or a ring of fewer
+  /// than 2); 1032 "Failed clipping polygon." and for the copy 1032 "Failed clipping adjusted polygon."
+  /// (deliberate: not the 1026 of the polylines).
+  void PreclipPolygon(void* context, size_t ringCount, const size_t* pointsPerRing, const shr::Vec2d* points,
+                      ORVPolygonCallback polygonCallback, ORVPolylineCallback polylineCallback);
+
   /// Back to the default-constructed state.
   void Flush();
 
@@ -88,6 +121,7 @@ class ORV_API Projector {
 
  private:
   friend struct internal::ProjectorAccess;
+  friend struct internal::ProjectorClip;
 
   bool CanTransform(const shr::Vec2d* points, size_t count) const;
 

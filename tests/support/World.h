@@ -1,0 +1,43 @@
+// World.h: the land polygons of tests/data/world.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "orv/shared/Vec2d.h"
+
+namespace orv::test {
+
+/// The first ring is the outer one; no ring repeats its first point; outer rings turn clockwise.
+using LandPolygon = std::vector<std::vector<shr::Vec2d>>;
+
+/// @param name  "land-110m" or "land-50m".
+inline std::vector<LandPolygon> ReadLand(const std::string& name) {
+  std::ifstream file(std::string(ORV_TEST_DATA_DIR) + "/world/" + name + ".txt");
+  EXPECT_TRUE(file) << name;
+  std::vector<LandPolygon> land;
+  std::string word;
+  size_t count = 0;
+  while (file >> word >> count) {
+    if (word == "polygon") {
+      land.emplace_back();
+      continue;
+    }
+    land.back().emplace_back();
+    long x = 0, y = 0;
+    for (size_t i = 0; i < count; ++i) {
+      long dx = 0, dy = 0;
+      file >> dx >> dy;
+      x += dx;
+      y += dy;
+      land.back().back().emplace_back(static_cast<double>(x) / 1000.0, static_cast<double>(y) / 1000.0);
+    }
+  }
+  EXPECT_GT(land.size(), 100u) << name;
+  return land;
+}
+
+}  // namespace orv::test
