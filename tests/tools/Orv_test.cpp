@@ -63,6 +63,90 @@ void ExpectPoint(const std::string& from, const std::string& to, const std::stri
   EXPECT_NEAR(gotY, y, tolerance) << from << " -> " << to;
 }
 
+// ---- clip and plot -----------------------------------------------------------------------------------------
+
+// On a sphere of 180/pi the Equator of Mercator is measured in degrees.
+const char* const kMercatorOfDegrees = "method=Merc,a=57.29577951308232,f=0";
+
+TEST(OrvClip, ClipsProjectsAndCounts) {
+  const ScratchFile file(R"({"type":"FeatureCollection","features":[
+    {"type":"Feature","id":7,"properties":{"a":1},"geometry":{"type":"LineString","coordinates":[[-10,0],[20,0,5]]}},
+    {"type":"Feature","properties":null,"geometry":{"type":"Polygon",
+      "coordinates":[[[170,-1],[190,-1],[190,1],[170,1],[170,-1]]]}},
+    {"type":"Feature","properties":{},"geometry":{"type":"LineString","coordinates":[[0,91],[1,92]]}},
+    {"type":"Feature","properties":{},"geometry":{"type":"Point","coordinates":[1,2]}}]})");
+  const Result result = RunOrv({"clip", "--in", kMercatorOfDegrees, "--precision", "1", file.Path()});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "orv: 1 whole, 1 clipped, 1 of them split, 1 dropped\n");
+  EXPECT_NE(result.out.find(R"({"type":"Feature","id":7,"properties":{"a":1},"geometry":)"
+                            R"({"type":"LineString","coordinates":[[-10.0,0.0],[20.0,0.0]]}})"),
+            std::string::npos)
+      << result.out;
+  // Two pieces, each from 170 degrees to the edge, on the east and on the west of the map.
+  EXPECT_NE(result.out.find(R"("type":"MultiPolygon","coordinates":[[[[170.0,-1.0],[180.0,-1.0],)"),
+            std::string::npos);
+  EXPECT_NE(result.out.find("[-170.0,-1.0]"), std::string::npos);
+  EXPECT_EQ(result.out.find("NaN"), std::string::npos);
+}
+
+TEST(OrvClip, SaysWhatIsWrong) {
+  const struct {
+    const char *text, *system, *message;
+  } kRows[] = {
+      {"{\"type\":", kMercatorOfDegrees, "no JSON at byte 9"},
+      {"[1]", kMercatorOfDegrees, "it holds something without a type, which GeoJSON objects have"},
+      {R"({"type":"Feature"})", kMercatorOfDegrees, "a feature has no geometry"},
+      {R"({"type":"Circle"})", kMercatorOfDegrees, "'Circle' is no type of GeoJSON"},
+      {R"({"type":"LineString"})", kMercatorOfDegrees, "coordinates are missing"},
+      {R"({"type":"LineString","coordinates":[[1],[2,3]]})", kMercatorOfDegrees,
+       "a position is not a list of two numbers"},
+      {R"({"type":"LineString","coordinates":[[1,2]]})", kMercatorOfDegrees,
+       "a line or ring has fewer than two positions"},
+      {"{}", "method=geographic,a=1,f=0", "the system has no projection"},
+  };
+  for (const auto& row : kRows) {
+    const ScratchFile file(row.text);
+    const Result result = RunOrv({"clip", "--in", row.system, file.Path()});
+    EXPECT_EQ(result.status, 2) << row.text;
+    EXPECT_EQ(result.out, "") << row.text;
+    EXPECT_NE(result.err.find(row.message), std::string::npos) << result.err;
+  }
+  EXPECT_NE(
+      RunOrv({"clip", "--in", kMercatorOfDegrees, "/no/such/file"}).err.find("cannot open '/no/such/file'"),
+      std::string::npos);
+}
+
+TEST(OrvPlot, WritesBothKindsOfPicture) {
+  const ScratchFile file(R"({"type":"Polygon","coordinates":[[[170,-10],[190,-10],[190,10],[170,-10]]]})");
+  for (const char* const ending : {".svg", ".png"}) {
+    const ScratchFile picture;
+    const std::string path = picture.Path() + ending;
+    const Result result = RunOrv({"plot", "--in", "method=Cass,Lon0=170,a=6371000,f=0", "--graticule", "15",
+                                  "--size", "200", file.Path(), "-o", path});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.err, "orv: 1 whole, 0 clipped, 0 of them split, 0 dropped\n");
+    const std::string content = Content(path);
+    EXPECT_EQ(content.substr(1, 3), ending == std::string(".svg") ? "?xm" : "PNG");
+    EXPECT_GT(content.size(), 1000u);
+    std::remove(path.c_str());
+  }
+}
+
+TEST(OrvPlot, SaysWhatIsWrong) {
+  EXPECT_NE(RunOrv({"plot", "--in", kMercatorOfDegrees, "-o", "map.gif"})
+                .err.find("the picture must be a .svg or .png file"),
+            std::string::npos);
+  EXPECT_NE(RunOrv({"plot", "--in", kMercatorOfDegrees, "--within", "10,0,0,1", "-o", "map.svg"})
+                .err.find("--within: west must be below east, south below north"),
+            std::string::npos);
+  EXPECT_NE(RunOrv({"plot", "--in", kMercatorOfDegrees, "-o", "/no/such/folder/map.png"})
+                .err.find("cannot write '/no/such/folder/map.png'"),
+            std::string::npos);
+  EXPECT_NE(RunOrv({"plot", "--in", kMercatorOfDegrees, "--within", "0,91,1,92", "-o", "map.svg"})
+                .err.find("the map shows nothing"),
+            std::string::npos);
+}
+
 }  // namespace
 
 // ---- the command as a whole

@@ -29,6 +29,8 @@ class UsageError : public std::runtime_error {
 void WriteOutput(const std::string& text);
 /// Empties the buffers of standard output; a failure raises UsageError.
 void FlushOutput();
+/// The content of a file, of standard input for "-"; a failure raises UsageError.
+std::string ReadFile(const std::string& name);
 /// Writes "orv: ", the text and a line feed to standard error.
 void Report(const std::string& text);
 
@@ -40,5 +42,7 @@ void AddListCommand(CLI::App& app, int& status);
 void AddInfoCommand(CLI::App& app, int& status);
 void AddRouteCommand(CLI::App& app, int& status);
 void AddCheckCommand(CLI::App& app, int& status);
+void AddClipCommand(CLI::App& app, int& status);
+void AddPlotCommand(CLI::App& app, int& status);
 
 }  // namespace orv::tool

@@ -56,6 +56,8 @@ int main(int argc, char** argv) {
   AddRouteCommand(app, status);
   AddDefCommand(app, status);
   AddCheckCommand(app, status);
+  AddClipCommand(app, status);
+  AddPlotCommand(app, status);
 
   try {
     app.parse(argc, argv);
