@@ -29,6 +29,7 @@
 #include "orv/tables/EllipsoidList.h"
 #include "tests/support/GridBytes.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/World.h"
 
 namespace {
 
@@ -370,6 +371,60 @@ void RegisterOnce() {
   });
 }
 
+bool TakePolygon(void* context, size_t, const size_t*, const shr::Vec2d* points) {
+  benchmark::DoNotOptimize(points);
+  ++*static_cast<size_t*>(context);
+  return true;
+}
+bool TakeLine(void*, size_t, const shr::Vec2d* points) {
+  benchmark::DoNotOptimize(points);
+  return true;
+}
+
+/// The land of the world, clipped polygon by polygon: points of the input per second.
+void RegisterClipping() {
+  struct Flat {
+    std::vector<size_t> counts;
+    Points points;
+  };
+  std::vector<Flat> land;
+  size_t points = 0;
+  for (const orv::test::LandPolygon& polygon : orv::test::ReadLand("land-50m")) {
+    Flat& flat = land.emplace_back();
+    for (const auto& ring : polygon) {
+      flat.counts.push_back(ring.size());
+      flat.points.insert(flat.points.end(), ring.begin(), ring.end());
+      points += ring.size();
+    }
+  }
+  const struct {
+    const char* name;
+    orv::ProjectionMethod method;
+    double lon, lat;
+  } kRows[] = {{"clip/land-50m/Mercator", orv::ProjectionMethodMercator, 100.0, 0.0},
+               {"clip/land-50m/Cassini", orv::ProjectionMethodCassini, 100.0, 40.0}};
+  for (const auto& row : kRows) {
+    orv::ProjectionParameters p;
+    p.method = row.method;
+    p.ellipsoid = Ellipsoid("WGS84");
+    p.Lon0 = row.lon;
+    p.Lat0 = row.lat;
+    const orv::ProjectionDef def(p);
+    benchmark::RegisterBenchmark(row.name, [land, points, def](benchmark::State& state) {
+      orv::Projector projector(def);
+      size_t pieces = 0;
+      for (auto _ : state) {
+        for (const Flat& flat : land) {
+          projector.PreclipPolygon(&pieces, flat.counts.size(), flat.counts.data(), flat.points.data(),
+                                   &TakePolygon, &TakeLine);
+        }
+      }
+      if (pieces == 0) state.SkipWithError("nothing is left");
+      state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(points));
+    });
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -386,6 +441,7 @@ int main(int argc, char** argv) {
     RegisterDatums();
     RegisterGrids();
     RegisterTransformer();
+    RegisterClipping();
     RegisterOnce();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "orv_bench: %s\n", e.what());

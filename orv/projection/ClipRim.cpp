@@ -34,7 +34,13 @@ bool ClipBox::Holds(const ClipBox& other) const {
 }
 
 ClipRim::ClipRim(const ClipArea& area, const ClipBox& data) : m_Area(area) {
-  if (area.HasEngine() && data.bAny) SetShape(area.Degrees(), data);
+  if (!data.bAny) return;
+  const ClipBox& window = area.Window();
+  if (area.HasEngine()) {
+    SetShape(area.Degrees(), data);
+  } else if (window.bAny) {
+    SetWindow(window.low.x, window.high.x, window.low.y, window.high.y, data);
+  }
 }
 
 void ClipRim::SetShape(const ProjectionParameters& p, const ClipBox& data) {

@@ -82,6 +82,16 @@ void Projector::PreclipPolygon(void* context, size_t ringCount, const size_t* po
 
 namespace internal {
 
+bool ProjectorClip::BoxPolyline(const ClipBox& window, void* context, size_t n, const shr::Vec2d* points,
+                                ORVPolylineCallback callback) {
+  return ClipPolyline(ClipArea(window), n, points, context, callback);
+}
+
+bool ProjectorClip::BoxPolygon(const ClipBox& window, const std::vector<ClipRing>& rings, void* context,
+                               ORVPolygonCallback onPolygon, ORVPolylineCallback onOutline) {
+  return ClipPolygon(ClipArea(window), kRefined, rings, context, onPolygon, onOutline);
+}
+
 void ProjectorClip::Polygon(Projector& projector, const ClipOptions& options, void* context, size_t ringCount,
                             const size_t* pointsPerRing, const shr::Vec2d* points,
                             ORVPolygonCallback onPolygon, ORVPolylineCallback onOutline) {

@@ -127,6 +127,36 @@ GeoShape MapClip::Clip(const GeoShape& shape, ClipTally& tally, std::vector<Line
   return map;
 }
 
+GeoShape MapClip::Within(const GeoShape& shape, double west, double south, double east, double north,
+                         std::vector<Line>& outlines) {
+  const internal::ClipBox window = {shr::Vec2d(west, south), shr::Vec2d(east, north), true};
+  Pieces lines, polygons;
+  for (double turn : {-360.0, 0.0, 360.0}) {
+    GeoShape moved = shape;
+    for (Line& line : moved.lines) {
+      for (shr::Vec2d& p : line) p.x += turn;
+      internal::ProjectorClip::BoxPolyline(window, &lines, line.size(), line.data(), &Pieces::OnLine);
+    }
+    for (std::vector<Line>& polygon : moved.polygons) {
+      std::vector<internal::ClipRing> rings;
+      for (Line& ring : polygon) {
+        for (shr::Vec2d& p : ring) p.x += turn;
+        rings.push_back({ring.data(), ring.size()});
+      }
+      internal::ProjectorClip::BoxPolygon(window, rings, &polygons, &Pieces::OnPolygon, &Pieces::OnLine);
+    }
+  }
+  for (const Line& outline : polygons.lines) {
+    for (Line& part : SplitAtSeams(outline, &IsFileSeam)) {
+      if (part.size() > 1) outlines.push_back(std::move(part));
+    }
+  }
+  GeoShape within;
+  within.lines = std::move(lines.lines);
+  within.polygons = std::move(polygons.polygons);
+  return within;
+}
+
 std::vector<std::vector<Line>> MapClip::ClipPlain(const std::vector<Line>& polygon) {
   Pieces pieces;
   ClipRings(m_Projector, polygon, pieces);

@@ -39,8 +39,12 @@ class MapClip {
   /// Projects in place; leaves out the points that have no place, which are counted.
   void Project(Line& line, ClipTally& tally) const;
 
+  /// Leaves only what lies within longitudes and latitudes, degrees; shapes a turn away are moved there.
+  /// Outlines are the lines of the result.
+  static GeoShape Within(const GeoShape& shape, double west, double south, double east, double north,
+                         std::vector<Line>& outlines);
+
   const ProjectionDef& Projection() const { return m_Definition; }
-  Projector& Clipper() { return m_Projector; }
 
  private:
   ProjectionDef m_Definition;

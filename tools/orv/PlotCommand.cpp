@@ -274,7 +274,17 @@ int RunPlot(const PlotArguments& arguments) {
   if (arguments.graticule > 0.0) AddGraticule(clip, window, arguments.graticule, picture);
   for (const std::string& file : arguments.files) {
     for (const GeoFeature& feature : ReadGeoJson(ReadFile(file), file)) {
-      GeoShape shape = clip.Clip(feature.shape, tally, &picture.coast);
+      GeoShape shape;
+      if (arguments.within.empty()) {
+        shape = clip.Clip(feature.shape, tally, &picture.coast);
+      } else {
+        GeoShape coast;
+        shape = clip.Clip(
+            MapClip::Within(feature.shape, window.west, window.south, window.east, window.north, coast.lines),
+            tally, nullptr);
+        ClipTally counted;
+        for (Line& line : clip.Clip(coast, counted, nullptr).lines) picture.coast.push_back(std::move(line));
+      }
       for (std::vector<Line>& rings : shape.polygons) picture.land.push_back(std::move(rings));
       for (Line& line : shape.lines) picture.coast.push_back(std::move(line));
     }

@@ -9,20 +9,37 @@
 
 namespace orv::internal {
 
+/// A range of the plane, degrees.
+struct ClipBox {
+  shr::Vec2d low, high;
+  bool bAny = false;
+
+  void Add(const shr::Vec2d& p);
+  bool Holds(const ClipBox& other) const;
+};
+
 /// The usable area: an engine's inside test.  Without an engine everything is outside.
 class ClipArea {
  public:
   /// @param degrees  the definition's parameters; kept by reference, like the engine.
   ClipArea(const ProjActor* actor, const ProjectionParameters& degrees)
-      : m_pActor(actor), m_Degrees(degrees) {}
+      : m_pActor(actor), m_pDegrees(&degrees) {}
+  /// What lies within a box, its sides left out: for pictures of a part of the globe.
+  explicit ClipArea(const ClipBox& window) : m_Window(window) {}
 
   bool HasEngine() const { return m_pActor != nullptr; }
-  const ProjectionParameters& Degrees() const { return m_Degrees; }
-  bool Inside(const shr::Vec2d& at) const { return m_pActor && m_pActor->IsLatLonInside(m_Degrees, &at); }
+  const ClipBox& Window() const { return m_Window; }
+  const ProjectionParameters& Degrees() const { return *m_pDegrees; }
+  bool Inside(const shr::Vec2d& at) const {
+    if (m_pActor) return m_pActor->IsLatLonInside(*m_pDegrees, &at);
+    return m_Window.bAny && m_Window.low.x < at.x && at.x < m_Window.high.x && m_Window.low.y < at.y &&
+           at.y < m_Window.high.y;
+  }
 
  private:
-  const ProjActor* m_pActor;
-  const ProjectionParameters& m_Degrees;
+  const ProjActor* m_pActor = nullptr;
+  const ProjectionParameters* m_pDegrees = nullptr;
+  ClipBox m_Window;
 };
 
 /// What an edge does.

@@ -71,8 +71,15 @@ std::vector<RingPlace> Nesting(const std::vector<std::vector<shr::Vec2d>>& rings
 /// Twice the area of a ring, positive when it turns counterclockwise.
 double TwiceArea(const std::vector<shr::Vec2d>& ring);
 
-/// Projector::PreclipPolygon with the options as an argument.
+/// For the command line.
 struct ProjectorClip {
+  /// Cuts to a box, once and without a copy: of the map's longitudes and latitudes, not of a projection.
+  static ORV_API bool BoxPolyline(const ClipBox& window, void* context, size_t n, const shr::Vec2d* points,
+                                  ORVPolylineCallback callback);
+  static ORV_API bool BoxPolygon(const ClipBox& window, const std::vector<ClipRing>& rings, void* context,
+                                 ORVPolygonCallback onPolygon, ORVPolylineCallback onOutline);
+
+  /// Projector::PreclipPolygon with the options as an argument.
   static ORV_API void Polygon(Projector& projector, const ClipOptions& options, void* context,
                               size_t ringCount, const size_t* pointsPerRing, const shr::Vec2d* points,
                               ORVPolygonCallback onPolygon, ORVPolylineCallback onOutline);

@@ -10,15 +10,6 @@
 
 namespace orv::internal {
 
-/// A range of the plane, degrees; empty when low is above high.
-struct ClipBox {
-  shr::Vec2d low, high;
-  bool bAny = false;
-
-  void Add(const shr::Vec2d& p);
-  bool Holds(const ClipBox& other) const;
-};
-
 /// A place on the rim.
 struct RimSpot {
   long piece = 0;  ///< which of the rim's curves: they repeat every 360 degrees of longitude
