@@ -45,6 +45,7 @@ ClipRim::ClipRim(const ClipArea& area, const ClipBox& data) : m_Area(area) {
 
 void ClipRim::SetShape(const ProjectionParameters& p, const ClipBox& data) {
   m_bCassini = p.method == ProjectionMethodCassini;
+  m_bEquidistant = p.method == ProjectionMethodAzimuthalEquidistant;
   switch (p.method) {
     case ProjectionMethodEquidistantCylindrical:
     case ProjectionMethodLambertAzimuthal:
@@ -185,6 +186,10 @@ shr::Vec2d ClipRim::InsideAt(long piece, double s) const {
   const shr::Vec2d point = At(piece, s, kDepth);
   return m_Area.Inside(point) ? point : At(piece, s, kDeepest);
 }
+
+double ClipRim::Fineness() const { return m_bHole ? 0.08 : kInfinity; }
+
+double ClipRim::LongestEdge() const { return m_bEquidistant ? 10.0 : kInfinity; }
 
 double ClipRim::ToSingular(const shr::Vec2d& at) const {
   if (!m_bCassini) return kInfinity;

@@ -90,13 +90,14 @@ class Tracer {
     for (size_t i = 0; i + 1 < stops.size(); ++i) {
       const Stop &a = stops[i], &b = stops[i + 1];
       const double length = Distance(a.at, b.at);
-      if (length > m_Options.step) return false;
+      if (length > std::min(m_Options.step, m_Rim.LongestEdge())) return false;
       const double toSingular = std::min(m_Rim.ToSingular(a.at), m_Rim.ToSingular(b.at));
       if (length > std::max(kShort, m_Options.approach * toSingular)) return false;
       for (double part : {0.25, 0.5, 0.75}) {
         const shr::Vec2d rim = m_Rim.At(m_Gap.piece, a.s + part * (b.s - a.s), kSample);
         // The ends themselves lie up to the crossings' tolerance inside.
-        if (DistanceToEdge(rim, a.at, b.at) > m_Gap.tolerance + kShort) return false;
+        if (DistanceToEdge(rim, a.at, b.at) > std::min(m_Gap.tolerance, m_Rim.Fineness()) + kShort)
+          return false;
       }
     }
     return true;

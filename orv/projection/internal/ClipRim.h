@@ -47,6 +47,12 @@ class ClipRim {
   /// two, 90 degrees to the east and west of the centre on the Equator. Infinite for the others.
   double ToSingular(const shr::Vec2d& at) const;
 
+  /// The farthest that a trace may stray, degrees: 0.08 around the cap of 10 degrees that Azimuthal Equidistant
+  /// leaves out, which its map draws out to the whole outer circle.
+  double Fineness() const;
+  /// The longest traced edge, degrees: 10 for Azimuthal Equidistant, for the same reason.
+  double LongestEdge() const;
+
   /// The closed curves that lie within the box.
   std::vector<long> PiecesWithin(const ClipBox& box) const;
 
@@ -69,10 +75,11 @@ class ClipRim {
   Kind m_Kind = Kind::None;
   bool m_bHole = false;
   bool m_bCassini = false;
-  bool m_bRepeats = false;   // at every 360 degrees of longitude
-  shr::Vec2d m_Low, m_High;  // rectangle
-  bool m_bReal[4] = {};      // its sides: south, east, north, west
-  double m_Lon = 0.0;        // cap: centre and radius
+  bool m_bEquidistant = false;  // Azimuthal Equidistant
+  bool m_bRepeats = false;      // at every 360 degrees of longitude
+  shr::Vec2d m_Low, m_High;     // rectangle
+  bool m_bReal[4] = {};         // its sides: south, east, north, west
+  double m_Lon = 0.0;           // cap: centre and radius
   double m_Lat = 0.0;
   double m_Radius = 0.0;
   bool m_bFromNorth = false;  // azimuths are measured from north: the cap holds the south pole

@@ -19,7 +19,7 @@ struct ClipOptions {
 /// cap, or a bend of the rim that they cut off, in the plane or on the map.
 inline constexpr ClipOptions kFiveProbes = {5, 2.0, 1e300, 1.0};
 /// Within 0.01 degree of the rim: 0.001 is the crossings' own, and room is left for the chords.
-inline constexpr ClipOptions kRefined = {5, 0.005, 1.0, 0.1};
+inline constexpr ClipOptions kRefined = {5, 0.005, 0.1, 0.1};
 
 /// A part of the rim that bounds the clipped polygon: from one crossing to its neighbour on the rim.
 struct ClipGap {
