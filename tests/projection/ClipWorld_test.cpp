@@ -37,6 +37,11 @@ struct Destroy {
 };
 using Geometry = std::unique_ptr<GEOSGeometry, Destroy>;
 
+struct DestroyPrepared {
+  void operator()(const GEOSPreparedGeometry* g) const { GEOSPreparedGeom_destroy(g); }
+};
+using Prepared = std::unique_ptr<const GEOSPreparedGeometry, DestroyPrepared>;
+
 GEOSGeometry* LinearRing(const Line& ring) {
   const auto n = static_cast<unsigned>(ring.size());
   GEOSCoordSequence* sequence = GEOSCoordSeq_create(n + 1, 2);
@@ -93,11 +98,11 @@ void CollectPolygons(const GEOSGeometry* g, std::vector<std::vector<Line>>& out)
 
 // ---- the usable area ---------------------------------------------------------------------------------------
 
-void Densify(Line& ring) {
+void Densify(Line& ring, double longest = 0.25) {
   Line dense;
   for (size_t i = 0; i < ring.size(); ++i) {
     const shr::Vec2d &a = ring[i], &b = ring[(i + 1) % ring.size()];
-    const int n = static_cast<int>(std::max(std::abs(a.x - b.x), std::abs(a.y - b.y)) / 0.25) + 1;
+    const int n = static_cast<int>(std::max(std::abs(a.x - b.x), std::abs(a.y - b.y)) / longest) + 1;
     for (int k = 0; k < n; ++k) dense.emplace_back(a.x + (b.x - a.x) * k / n, a.y + (b.y - a.y) * k / n);
   }
   ring.swap(dense);
@@ -281,6 +286,19 @@ bool HasMarks(const Line& line) {
   return std::any_of(line.begin(), line.end(), [](const shr::Vec2d& p) { return internal::IsMarked(p); });
 }
 
+// Coasts are drawn as they come, clipped or not: an edge is a chord on the map.  Some of Antarctica's are 4
+// degrees long and lie beside narrow inlets, and a cone with its standard parallels in the north bends them
+// there by more than the inlets are wide (Albers: the edge from 171.540 W 83.204 S to 174.067 W 82.900 S is
+// bent, its chord crosses two others of the coast).  That is in the land, not in the clipping: with such edges
+// drawn in steps of 0.4 degree nothing may cross.  No traced edge is that long: what is wrong with one stays so.
+bool IsValidInSteps(Projector& projector, int method, std::vector<Line> rings) {
+  for (Line& ring : rings) {
+    Densify(ring, 0.4);
+    ring = OnMap(projector, method, ring);
+  }
+  return GEOSisValid(Polygon(rings).get()) == 1;
+}
+
 struct Case {
   int method;
   const char* land;
@@ -353,6 +371,7 @@ TEST_P(ClipWorld, EveryPieceIsValidAndTheAreaIsThatOfTheIntersection) {
     Projector projector(def);
     const Geometry usable = UsableArea(p);
     ASSERT_EQ(GEOSisValid(usable.get()), 1) << WhyInvalid(usable.get());
+    const Prepared prepared(GEOSPrepare(usable.get()));
     Sum expected, refined, probed;
     Edges edges;
     size_t bad = 0;
@@ -368,9 +387,15 @@ TEST_P(ClipWorld, EveryPieceIsValidAndTheAreaIsThatOfTheIntersection) {
         for (Line& ring : moved) {
           for (shr::Vec2d& at : ring) at.x += shift;
         }
-        const Geometry cut(GEOSIntersection(Polygon(moved).get(), usable.get()));
-        ASSERT_TRUE(cut);
-        CollectPolygons(cut.get(), parts);
+        // Most are wholly inside or outside, which GEOS knows faster than how to intersect them.
+        const Geometry whole = Polygon(moved);
+        if (GEOSPreparedContains(prepared.get(), whole.get()) == 1) {
+          parts.push_back(std::move(moved));
+        } else if (GEOSPreparedIntersects(prepared.get(), whole.get()) == 1) {
+          const Geometry cut(GEOSIntersection(whole.get(), usable.get()));
+          ASSERT_TRUE(cut);
+          CollectPolygons(cut.get(), parts);
+        }
       }
       for (const std::vector<Line>& rings : parts) AddAreas(projector, p, rings, expected);
 
@@ -398,7 +423,9 @@ TEST_P(ClipWorld, EveryPieceIsValidAndTheAreaIsThatOfTheIntersection) {
           if (!bPlain || !bRefined) continue;
           const Geometry projected = Polygon(map);
           // Orthographic flattens the last 0.1 degree before the rim to 1e-6 of the radius: slivers may cross there.
-          if (GEOSisValid(projected.get()) != 1 && !(test.method == 19 && IsNearlyValid(projected.get()))) {
+          if (GEOSisValid(projected.get()) != 1 &&
+              !(test.method == 3 && IsValidInSteps(projector, test.method, rings)) &&
+              !(test.method == 19 && IsNearlyValid(projected.get()))) {
             ++bad;
             ADD_FAILURE() << "polygon " << i << (bRefined ? " refined" : "")
                           << " on the map: " << WhyInvalid(projected.get());
