@@ -19,6 +19,7 @@
 
 namespace {
 
+using orv::test::Content;
 using orv::test::Lines;
 using orv::test::Result;
 using orv::test::RunOrv;
