@@ -36,10 +36,12 @@ class Entry {
   const char* GetShortName() const { return m_ShortName; }
 
  private:
-  /// The short name is always the end of the name.
+  /// As CSDef::GetShortName has it, within the name.  (A name read from a file may hold bytes 0: it ends at the
+  /// first for all who ask.)
   static const char* ShortNameOf(const CSDef& system) {
     const char* const name = system.GetName();
-    return name + (std::strlen(name) - system.GetShortName().size());
+    const char* const bar = std::strrchr(name, '|');
+    return bar ? bar + std::strspn(bar, "| ") : name;
   }
 
   std::unique_ptr<CSDef> m_pSystem;

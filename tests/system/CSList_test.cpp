@@ -258,6 +258,26 @@ TEST(CSList, FindsByTextWithoutRegardToCase) {
   EXPECT_EQ(list.FindByShortName("ZONE 31 TOO"), 3) << "a name without groups is its own short name";
 }
 
+TEST(CSList, ShortNamesAreThoseOfTheDefinitions) {
+  CSList list;
+  for (const char* const name : {"World| Spaced", "a||b", "Bar at the end|", "none"}) {
+    const ORVDef system = Orv("", name);
+    const int pos = list.Add(system);
+    const std::string shortName = system.GetShortName();
+    EXPECT_EQ(list.FindByShortName(shortName.c_str()), shortName.empty() ? 0 : pos) << name;
+  }
+  EXPECT_EQ(list.FindByShortName("spaced"), 2);
+  EXPECT_EQ(list.FindByShortName("B"), 3);
+}
+
+TEST(CSList, ANameThatHoldsAByte0EndsThere) {
+  const TempFolder folder;
+  CSList list;
+  ASSERT_TRUE(LoadText(list, folder, std::string("{ token=T name='g|n\0 and more|than it seems' }", 46)));
+  EXPECT_EQ(list.FindByShortName("n"), 2);
+  EXPECT_EQ(list.FindByName("g|n"), 2);
+}
+
 TEST(CSList, NullAndEmptyTextsAreNeverFound) {
   CSList list;
   list.Add(ORVDef());
