@@ -406,7 +406,7 @@ void RegisterClipping() {
   for (const auto& row : kRows) {
     orv::ProjectionParameters p;
     p.method = row.method;
-    p.ellipsoid = Ellipsoid("WGS84");
+    p.ellipsoid = Ellipsoid("EPSG:7030");
     p.Lon0 = row.lon;
     p.Lat0 = row.lat;
     const orv::ProjectionDef def(p);
