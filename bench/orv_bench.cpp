@@ -28,6 +28,7 @@
 #include "orv/system/ORVDef.h"
 #include "orv/tables/EllipsoidList.h"
 #include "tests/support/GridBytes.h"
+#include "tests/support/Paths.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/World.h"
 
@@ -431,7 +432,7 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   try {
-    orv::ORVSetConfigPath(ORV_CATALOGUE_DIR);
+    orv::ORVSetConfigPath(orv::test::CatalogueFolder().c_str());
     orv::ORVKnownEllipsoidsList.Load(nullptr, true);
     orv::ORVKnownDatumsList.Load(nullptr, true);
     RegisterEngines();

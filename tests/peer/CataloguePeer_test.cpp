@@ -17,6 +17,7 @@
 #include "orv/projection/Projector.h"
 #include "orv/system/CSTransformer.h"
 #include "tests/peer/Peer.h"
+#include "tests/support/Paths.h"
 #include "tests/support/ShippedCatalogue.h"
 
 namespace orv {
@@ -207,7 +208,7 @@ TEST_F(CataloguePeer, ThreeHundredDrawnSystems) {
   int systems = 0, withWay = 0, left = 0;
   std::set<int> methods;
   std::set<std::string> datums;
-  for (const test::Row& row : test::ReadTable(ORV_SOURCE_DIR "/tests/peer/catalogue_sample.tsv")) {
+  for (const test::Row& row : test::ReadTable(test::SourceFolder() + "/tests/peer/catalogue_sample.tsv")) {
     const Drawn drawn(row);
     const ORVDef& system = System(drawn.token);
     SCOPED_TRACE(drawn.token + " " + system.GetName());

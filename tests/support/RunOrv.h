@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/Paths.h"
+
 namespace orv::test {
 
 struct Result {
@@ -64,11 +66,12 @@ inline Result RunOrv(std::vector<std::string> arguments, const std::string& inpu
   posix_spawn_file_actions_addopen(&actions, 1, out.Path().c_str(), O_WRONLY | O_TRUNC, 0);
   posix_spawn_file_actions_addopen(&actions, 2, err.Path().c_str(), O_WRONLY | O_TRUNC, 0);
   pid_t process = 0;
-  const int failed = posix_spawn(&process, ORV_TOOL_PATH, &actions, nullptr, argv.data(), environment.data());
+  const int failed =
+      posix_spawn(&process, ToolPath().c_str(), &actions, nullptr, argv.data(), environment.data());
   posix_spawn_file_actions_destroy(&actions);
   Result result;
   if (failed != 0) {
-    ADD_FAILURE() << "cannot run " << ORV_TOOL_PATH;
+    ADD_FAILURE() << "cannot run " << ToolPath();
     return result;
   }
   int state = 0;

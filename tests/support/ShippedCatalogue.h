@@ -11,17 +11,16 @@
 #include "orv/projection/ProjectionDef.h"
 #include "orv/system/CSList.h"
 #include "orv/system/ORVDef.h"
+#include "tests/support/Paths.h"
 #include "tests/support/Table.h"
 
 namespace orv::test {
-
-inline const std::string kCatalogueFolder = ORV_SOURCE_DIR "/data/catalogue";
 
 /// The known lists hold the shipped files while the tests of such a suite run.
 class ShippedCatalogue : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
-    ORVInitialize(kCatalogueFolder.c_str(), true);
+    ORVInitialize(CatalogueFolder().c_str(), true);
     ASSERT_TRUE(ORVActive());
   }
   static void TearDownTestSuite() {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "orv/shared/Vec2d.h"
+#include "tests/support/Paths.h"
 
 namespace orv::test {
 
@@ -15,7 +16,7 @@ using LandPolygon = std::vector<std::vector<shr::Vec2d>>;
 
 /// @param name  "land-110m" or "land-50m".
 inline std::vector<LandPolygon> ReadLand(const std::string& name) {
-  std::ifstream file(std::string(ORV_TEST_DATA_DIR) + "/world/" + name + ".txt");
+  std::ifstream file(DataFolder() + "/world/" + name + ".txt");
   std::vector<LandPolygon> land;
   std::string word;
   size_t count = 0;

@@ -34,7 +34,7 @@ using shr::Vec2d;
 class Catalogue : public test::ShippedCatalogue {
  protected:
   static std::string Shipped(const std::string& name) {
-    return test::ReadBytes(test::kCatalogueFolder + "/" + name);
+    return test::ReadBytes(test::CatalogueFolder() + "/" + name);
   }
   /// Without comments and empty lines.
   static std::string Entries(const std::string& text) {
@@ -79,7 +79,7 @@ TEST_F(Catalogue, EverySystemAndDatumPassesItsCheck) {
 }
 
 TEST_F(Catalogue, EveryFileBeginsWithTheNotice) {
-  for (const auto& file : std::filesystem::directory_iterator(test::kCatalogueFolder)) {
+  for (const auto& file : std::filesystem::directory_iterator(test::CatalogueFolder())) {
     if (file.path().extension() != ".ocf") continue;
     const std::string text = test::ReadBytes(file.path().string());
     const std::string head = text.substr(0, text.find('{'));
@@ -174,7 +174,7 @@ TEST_F(Catalogue, NoTwoSystemsShareAProjectionButNotTheDatum) {
 TEST_F(Catalogue, OtherFormsOfAProjectionMoveNoPoint) {
   int tested = 0, changed = 0;
   double largest = 0.0;
-  for (const test::Row& row : test::ReadTable(ORV_TEST_DATA_DIR "/catalogue_forms.tsv")) {
+  for (const test::Row& row : test::ReadTable(test::DataFolder() + "/catalogue_forms.tsv")) {
     ++changed;
     const std::string& code = row.at("code");
     const ORVDef& system = SystemOfCode(code);

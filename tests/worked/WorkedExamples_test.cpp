@@ -20,6 +20,7 @@
 #include "orv/core/internal/Number.h"
 #include "orv/projection/ProjActor.h"
 #include "orv/projection/Projector.h"
+#include "tests/support/Paths.h"
 
 namespace orv {
 namespace {
@@ -48,7 +49,7 @@ double NumberOf(const std::string& text) {
 const std::vector<Row>& Rows() {
   static const std::vector<Row> rows = [] {
     std::vector<Row> read;
-    std::ifstream file(ORV_TEST_DATA_DIR "/worked_examples.tsv");
+    std::ifstream file(test::DataFolder() + "/worked_examples.tsv");
     std::string text;
     std::getline(file, text);  // the header
     for (int line = 2; std::getline(file, text); ++line) {

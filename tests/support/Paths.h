@@ -1,0 +1,18 @@
+// Paths.h: where the tests find their files.  Kept out of the compilers' command lines, so that a compiler cache
+// serves every checkout.
+#pragma once
+
+#include <string>
+
+namespace orv::test {
+
+/// The repository.
+std::string SourceFolder();
+/// tests/data.
+std::string DataFolder();
+/// The folder of the shipped catalogue.
+std::string CatalogueFolder();
+/// The built command line tool; "" when there is none.
+std::string ToolPath();
+
+}  // namespace orv::test
