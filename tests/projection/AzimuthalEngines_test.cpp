@@ -52,28 +52,6 @@ ProjectionParameters Centred(ProjectionMethod method, double lon0, double lat, d
 
 // ---- all of them -----------------------------------------------------------------------------------------
 
-TEST(AzimuthalEngines, NoPointsRaiseFromTheEnginesOwnUnit) {
-  const struct {
-    ProjectionMethod method;
-    const char* unit;
-  } rows[] = {
-      {ProjectionMethodStereographic, "ProjStereographic"},
-      {ProjectionMethodOrthographic, "ProjOrthographic"},
-      {ProjectionMethodGnomonic, "ProjGnomonic"},
-      {ProjectionMethodAzimuthalEquidistant, "ProjAzimuthalEquidistant"},
-      {ProjectionMethodLambertAzimuthal, "ProjLambertAzimuthal"},
-  };
-  for (const auto& row : rows) {
-    const auto engine = MakeEngine(Centred(row.method, 20, 30));
-    ASSERT_NE(engine, nullptr);
-    shr::Vec2d point;
-    EXPECT_RAISES(engine->Forward(nullptr, 1), 1026, row.unit, "No points to transform.");
-    EXPECT_RAISES(engine->Forward(&point, 0), 1026, row.unit, "No points to transform.");
-    EXPECT_RAISES(engine->Inverse(nullptr, 1), 1026, row.unit, "No points to transform.");
-    EXPECT_RAISES(engine->Inverse(&point, 0), 1026, row.unit, "No points to transform.");
-  }
-}
-
 TEST(AzimuthalEngines, TheInsideTestsAreCapsAboutTheCentre) {
   const struct {
     ProjectionMethod method;

@@ -45,28 +45,6 @@ ProjectionParameters Cone(ProjectionMethod method, double f, double lat0, double
 
 // ---- all of them -----------------------------------------------------------------------------------------
 
-TEST(ConicEngines, NoPointsRaiseFromTheEnginesOwnUnit) {
-  const struct {
-    ProjectionMethod method;
-    const char* unit;
-  } rows[] = {
-      {ProjectionMethodLambert, "ProjLambertConformalConic"},
-      {ProjectionMethodAlbers, "ProjTranAlbers"},
-      {ProjectionMethodEquidistantConic, "ProjEquidistantConic"},
-      {ProjectionMethodPolyconic, "ProjPolyconic"},
-      {ProjectionMethodBonne, "ProjBonne"},
-  };
-  for (const auto& row : rows) {
-    const std::unique_ptr<ProjActor> engine = MakeEngine(*ProjectionDef(row.method).GetParameters());
-    ASSERT_NE(engine, nullptr);
-    shr::Vec2d point;
-    EXPECT_RAISES(engine->Forward(nullptr, 1), 1026, row.unit, "No points to transform.");
-    EXPECT_RAISES(engine->Forward(&point, 0), 1026, row.unit, "No points to transform.");
-    EXPECT_RAISES(engine->Inverse(nullptr, 1), 1026, row.unit, "No points to transform.");
-    EXPECT_RAISES(engine->Inverse(&point, 0), 1026, row.unit, "No points to transform.");
-  }
-}
-
 TEST(ConicEngines, AreUsableAndCutWithinHalfATurnOfLon0) {
   for (const ProjectionMethod method :
        {ProjectionMethodLambert, ProjectionMethodAlbers, ProjectionMethodEquidistantConic,

@@ -38,31 +38,6 @@ constexpr const char* kZero =
 
 // ---- all of them -----------------------------------------------------------------------------------------
 
-TEST(CylindricalEngines, NoPointsRaiseFromTheEnginesOwnUnit) {
-  const struct {
-    ProjectionMethod method;
-    const char* unit;
-  } rows[] = {
-      {ProjectionMethodMercator, "ProjMercator"},
-      {ProjectionMethodMiller, "ProjMiller"},
-      {ProjectionMethodEquidistantCylindrical, "ProjEquidistantCylindrical"},
-      {ProjectionMethodTransverseMercator, "ProjTransverseMercator"},
-      {ProjectionMethodUTM, "ProjUTM"},
-      {ProjectionMethodCassini, "ProjCassini"},
-      {ProjectionMethodObliqueMercator, "ProjObliqueMercator"},
-      {ProjectionMethodHotine, "ProjHotine"},
-  };
-  for (const auto& row : rows) {
-    const std::unique_ptr<ProjActor> engine = MakeEngine(*ProjectionDef(row.method).GetParameters());
-    ASSERT_NE(engine, nullptr);
-    shr::Vec2d point;
-    EXPECT_RAISES(engine->Forward(nullptr, 1), 1026, row.unit, "No points to transform.");
-    EXPECT_RAISES(engine->Forward(&point, 0), 1026, row.unit, "No points to transform.");
-    EXPECT_RAISES(engine->Inverse(nullptr, 1), 1026, row.unit, "No points to transform.");
-    EXPECT_RAISES(engine->Inverse(&point, 0), 1026, row.unit, "No points to transform.");
-  }
-}
-
 TEST(CylindricalEngines, MethodsWithoutEngineHaveNone) {
   for (const int method : {-1, 0, 1, 2, 28})
     EXPECT_EQ(MakeProjActor(static_cast<ProjectionMethod>(method)), nullptr);

@@ -41,30 +41,6 @@ constexpr ProjectionMethod kAll[] = {ProjectionMethodEckert4,          Projectio
 
 // ---- all of them -----------------------------------------------------------------------------------------
 
-TEST(WorldEngines, NoPointsRaiseFromTheEnginesOwnUnit) {
-  const struct {
-    ProjectionMethod method;
-    const char* unit;
-  } rows[] = {
-      {ProjectionMethodEckert4, "ProjEckert4"},
-      {ProjectionMethodEckert6, "ProjEckert6"},
-      {ProjectionMethodMollweide, "ProjMollweide"},
-      {ProjectionMethodRobinson, "ProjRobinson"},
-      {ProjectionMethodRobinsonSterling, "ProjRobinsonSterling"},
-      {ProjectionMethodSinusoidal, "ProjSinusoidal"},
-      {ProjectionMethodVanDerGrinten, "ProjVanDerGrinten"},
-  };
-  for (const auto& row : rows) {
-    const std::unique_ptr<ProjActor> engine = MakeEngine(*ProjectionDef(row.method).GetParameters());
-    ASSERT_NE(engine, nullptr);
-    shr::Vec2d point;
-    EXPECT_RAISES(engine->Forward(nullptr, 1), 1026, row.unit, "No points to transform.");
-    EXPECT_RAISES(engine->Forward(&point, 0), 1026, row.unit, "No points to transform.");
-    EXPECT_RAISES(engine->Inverse(nullptr, 1), 1026, row.unit, "No points to transform.");
-    EXPECT_RAISES(engine->Inverse(&point, 0), 1026, row.unit, "No points to transform.");
-  }
-}
-
 TEST(WorldEngines, AreInsideAndCutAtHalfATurnFromLon0AndRobinsonFromGreenwich) {
   for (const ProjectionMethod method : kAll) {
     ProjectionParameters p = On(method, 1.0, 0.0);
