@@ -251,7 +251,9 @@ constexpr size_t kLongestLikeness = 200;  // texts beyond are cut: nobody types 
 
 std::string KnownEntry::ShortName() const {
   const size_t bar = name.rfind('|');
-  return bar == std::string::npos ? name : name.substr(bar + 1);
+  if (bar == std::string::npos) return name;
+  const size_t begin = name.find_first_not_of("| ", bar);
+  return begin == std::string::npos ? std::string() : name.substr(begin);
 }
 
 std::vector<KnownEntry> ORVKnownEntries(KnownList list) {

@@ -30,7 +30,7 @@ struct ORV_API KnownEntry {
   int code = 0;       ///< POSC (EPSG) number, 0 for none
   std::string about;  ///< comment of systems, datums and ellipsoids: area of use and the like
 
-  /// The name's part behind its last vertical bar.
+  /// The name's part behind its last vertical bar and the blanks that follow it, as CSDef::GetShortName.
   std::string ShortName() const;
 };
 

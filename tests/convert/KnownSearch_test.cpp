@@ -166,6 +166,11 @@ TEST_F(KnownSearch, EntriesTellWhatTheListHolds) {
   EXPECT_EQ(systems[3].about, "World north");
   EXPECT_EQ(systems[6].code, 0);
   EXPECT_EQ(systems[6].ShortName(), "Building site");
+  KnownEntry entry;
+  entry.name = "Group| Blanks in front";
+  EXPECT_EQ(entry.ShortName(), "Blanks in front");
+  entry.name = "Group| ";
+  EXPECT_EQ(entry.ShortName(), "");
   EXPECT_EQ(ORVKnownEntries(KnownListDatums).at(1).about, "accuracy 3 m");
   EXPECT_EQ(ORVKnownEntries(KnownListEllipsoids).at(0).code, 7004);
 }
