@@ -93,9 +93,36 @@ TEST(OrvCatalogue, InfoTellsWhatAUserNeeds) {
   EXPECT_NE(RunOrv({"info", "4807"}).out.find("grad"), std::string::npos) << "NTF (Paris)";
 }
 
+TEST(OrvCatalogue, IdentifyNamesTheSystemsThatPlacePointsAlike) {
+  const Result equal = RunOrv({"identify", "method=UTM,Lon0=15,datum=EPSG:6326"});
+  EXPECT_EQ(equal.status, 0) << equal.err;
+  EXPECT_EQ(Lines(equal.out).front(), "EPSG:32633\tequal\tWGS 84 / UTM zone 33N");
+  EXPECT_EQ(Lines(RunOrv({"identify", "method=UTM,Lon0=15,datum=EPSG:6326", "--limit", "1"}).out).size(), 1u);
+
+  const TempFolder folder;
+  folder.Write("mine.txt", RunOrv({"def", "EPSG:27700", "--encoded"}).out);
+  const Result file = RunOrv({"identify", folder.Path() + "/mine.txt", "--json"});
+  EXPECT_EQ(file.status, 0) << file.err;
+  EXPECT_NE(file.out.find("\"token\": \"EPSG:27700\""), std::string::npos) << file.out;
+  EXPECT_NE(file.out.find("\"match\": \"equal\""), std::string::npos) << file.out;
+}
+
+TEST(OrvCatalogue, IdentifyGivesTheReasonOfTheNearestMiss) {
+  const Result r = RunOrv({"identify", "method=Merc,Lon0=0.01,a=6378137,f=0,datum=EPSG:6326"});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.err, "orv: no known system places points alike; the nearest are shown with what differs\n");
+  // A hundredth of a degree on a sphere of 6378137 m.
+  EXPECT_EQ(Lines(r.out)[0], "EPSG:3857\tdifferent\tWGS 84 / Pseudo-Mercator\t1.11e+03 m apart");
+  EXPECT_EQ(Lines(r.out)[1], "\tCentral Longitude: 0.01, there 0");
+  EXPECT_NE(RunOrv({"identify", "method=Merc,Lon0=0.01,a=6378137,f=0,datum=EPSG:6326", "--json"})
+                .out.find("\"what\": \"Central Longitude\""),
+            std::string::npos);
+  EXPECT_EQ(RunOrv({"identify", "atlantis"}).status, 2);
+}
+
 TEST(OrvCatalogue, TheShippedFilesHaveNoErrors) {
   for (const char* const name : {"meridian", "angularunit", "linearunit", "ellipsoid", "datum", "system"}) {
-    const std::string file = std::string(ORV_SOURCE_DIR "/data/catalogue/") + name + ".ocf";
+    const std::string file = orv::test::CatalogueFolder() + "/" + name + ".ocf";
     const Result r = RunOrv({"check", file});
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_NE(r.out.find(" entries, 0 errors\n"), std::string::npos) << r.out;

@@ -16,6 +16,7 @@
 
 #include "orv/tables/EllipsoidList.h"
 #include "tests/support/RunOrv.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 
@@ -24,6 +25,7 @@ using orv::test::Lines;
 using orv::test::Result;
 using orv::test::RunOrv;
 using orv::test::ScratchFile;
+using orv::test::TempFolder;
 
 const std::string kGeographic = "datum=WGS84";
 const std::string kUtm33 = "method=UTM,Lon0=15,datum=WGS84";
@@ -140,6 +142,18 @@ TEST(OrvPlot, SaysWhatIsWrong) {
   EXPECT_NE(RunOrv({"plot", "--in", kMercatorOfDegrees, "--within", "10,0,0,1", "-o", "map.svg"})
                 .err.find("--within: west must be below east, south below north"),
             std::string::npos);
+  for (const char* const window : {"1,2,3", "1,2,3,4,5", "1,2,3,x"}) {
+    EXPECT_NE(RunOrv({"plot", "--in", kMercatorOfDegrees, "--within", window, "-o", "map.svg"}).status, 0)
+        << window;
+  }
+  EXPECT_NE(RunOrv({"plot", "--in", kMercatorOfDegrees, "--within", "1,2,3", "-o", "map.svg"})
+                .err.find("--within: '1,2,3' is not four numbers WEST,SOUTH,EAST,NORTH"),
+            std::string::npos);
+  EXPECT_NE(
+      RunOrv({"plot", "--in", kMercatorOfDegrees, "-o", "map.svg", "--within", "1,2,3,4", "/no/such/file"})
+          .err.find("/no/such/file"),
+      std::string::npos)
+      << "what stands behind the window is a file";
   EXPECT_NE(RunOrv({"plot", "--in", kMercatorOfDegrees, "-o", "/no/such/folder/map.png"})
                 .err.find("cannot write '/no/such/folder/map.png'"),
             std::string::npos);
@@ -156,6 +170,14 @@ TEST(Orv, VersionAndHelpGoToStandardOutputWithStatus0) {
   const Result version = RunOrv({"--version"});
   EXPECT_EQ(version.status, 0);
   EXPECT_EQ(version.out.substr(0, 4), "orv ");
+  EXPECT_NE(version.out.find("\ncatalogue: EPSG Geodetic Parameter Dataset v10.076 (2022-08-31), /"),
+            std::string::npos)
+      << version.out;
+  EXPECT_NE(version.out.find("owned by IOGP"), std::string::npos) << version.out;
+  const TempFolder folder;
+  folder.Write("system.ocf", "; mine\n");
+  EXPECT_NE(RunOrv({"--config", folder.Path(), "--version"}).out.find("/system.ocf, of the user's own"),
+            std::string::npos);
   const Result help = RunOrv({"--help"});
   EXPECT_EQ(help.status, 0);
   EXPECT_NE(help.out.find("x is longitude"), std::string::npos);
@@ -252,7 +274,7 @@ TEST(Orv, TheCatalogueHasTheDefiningValuesOfTheEllipsoids) {
   // EPSG Geodetic Parameter Dataset v10.076, as proj.db quotes it; Clarke 1866 is (a - b) / a of its two
   // radii.
   orv::EllipsoidList list;
-  ASSERT_TRUE(list.Load(ORV_SOURCE_DIR "/data/catalogue/ellipsoid.ocf", true));
+  ASSERT_TRUE(list.Load((orv::test::CatalogueFolder() + "/ellipsoid.ocf").c_str(), true));
   const struct {
     int posc;
     const char* token;

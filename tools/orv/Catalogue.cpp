@@ -2,6 +2,9 @@
 
 #include <fmt/core.h>
 
+#include <fstream>
+
+#include "orv/core/ORVGlobals.h"
 #include "orv/core/Startup.h"
 #include "orv/datum/DatumList.h"
 #include "orv/system/CSList.h"
@@ -55,6 +58,31 @@ std::string NoticeFor(const std::string& token) {
   if (!EqualFold(authority, "EPSG") && !EqualFold(authority, "ORV")) return "";
   return "Values derived from the EPSG Geodetic Parameter Dataset, owned by IOGP, used under the EPSG Terms of Use "
          "(https://epsg.org/terms-of-use.html); without warranty.";
+}
+
+namespace {
+
+/// "EPSG Geodetic Parameter Dataset v10.076 (2022-08-31)" from the comment that a file of the catalogue begins
+/// with; "" for another file.
+std::string DataSetOf(const std::string& path) {
+  constexpr const char* kDataSet = "EPSG Geodetic Parameter Dataset v";
+  std::ifstream file(path);
+  for (std::string line; std::getline(file, line) && line.starts_with(';');) {
+    const size_t begin = line.find(kDataSet);
+    if (begin != std::string::npos) return line.substr(begin, line.find(',', begin) - begin);
+  }
+  return "";
+}
+
+}  // namespace
+
+std::string VersionText() {
+  const std::string program = "orv " ORV_VERSION;
+  std::string path;
+  if (!ORVFindConfigFile("system.ocf", path)) return program + "\ncatalogue: none found";
+  const std::string dataSet = DataSetOf(path);
+  if (dataSet.empty()) return fmt::format("{}\ncatalogue: {}, of the user's own", program, path);
+  return fmt::format("{}\ncatalogue: {}, {}\n{}", program, dataSet, path, NoticeFor("EPSG:0"));
 }
 
 }  // namespace orv::tool

@@ -29,4 +29,8 @@ std::string UnknownText(KnownList list, const std::string& what, const std::stri
 /// What has to be told with values of the shipped catalogue; "" for entries that are not from it.
 std::string NoticeFor(const std::string& token);
 
+/// What --version tells: the program, the catalogue that the configuration search finds with the data set it was
+/// made from, and the notice that goes with it.  Reads no more than the comment at the beginning of system.ocf.
+std::string VersionText();
+
 }  // namespace orv::tool

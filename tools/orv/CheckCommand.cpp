@@ -7,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <random>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -127,13 +128,15 @@ class Source {
   std::vector<Entry> m_Entries;
 };
 
-/// A file beside the system's other temporary ones, removed at the end.
+/// A file in a folder of its own beside the system's other temporary ones, removed at the end.
 class Scratch {
  public:
-  explicit Scratch(const std::string& name)
-      : m_Folder(fs::temp_directory_path() /
-                 fmt::format("orv-check-{:x}", reinterpret_cast<uintptr_t>(this))) {
-    fs::create_directory(m_Folder);
+  explicit Scratch(const std::string& name) {
+    std::random_device random;
+    do {  // a folder that stands there already is somebody else's
+      m_Folder = fs::temp_directory_path() / fmt::format("orv-check-{:08x}{:08x}", random(), random());
+    } while (!fs::create_directory(m_Folder));
+    fs::permissions(m_Folder, fs::perms::owner_all);
     m_Path = (m_Folder / name).string();
   }
   ~Scratch() {

@@ -40,6 +40,7 @@ void AddLatLonCommand(CLI::App& app, int& status);
 void AddDefCommand(CLI::App& app, int& status);
 void AddListCommand(CLI::App& app, int& status);
 void AddInfoCommand(CLI::App& app, int& status);
+void AddIdentifyCommand(CLI::App& app, int& status);
 void AddRouteCommand(CLI::App& app, int& status);
 void AddCheckCommand(CLI::App& app, int& status);
 void AddClipCommand(CLI::App& app, int& status);

@@ -4,13 +4,16 @@
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "tools/orv/Command.h"
 #include "tools/orv/MapClip.h"
+#include "tools/orv/NumberText.h"
 #include "tools/orv/SystemArgument.h"
 
 namespace orv::tool {
@@ -26,7 +29,7 @@ struct PlotArguments {
   std::string system;
   std::vector<std::string> files;
   std::string output;
-  std::vector<double> within;  // west, south, east, north
+  std::string within;  // west, south, east, north
   double graticule = 0.0;
   int size = 1000;
 };
@@ -78,13 +81,27 @@ bool RepeatsAtEveryTurn(ProjectionMethod method) {
   }
 }
 
-Window WindowOf(const PlotArguments& arguments, const ProjectionParameters& p) {
-  if (arguments.within.size() == 4) {
-    const std::vector<double>& w = arguments.within;
-    if (!(w[0] < w[2] && w[1] < w[3]))
-      throw UsageError("--within: west must be below east, south below north");
-    return {w[0], w[1], w[2], w[3]};
+/// "WEST,SOUTH,EAST,NORTH".
+Window ReadWindow(const std::string& text) {
+  std::array<double, 4> edges{};
+  std::string_view rest = text;
+  for (double& edge : edges) {
+    const size_t comma = rest.find(',');
+    const bool isLast = &edge == &edges.back();
+    if (!ParseNumber(Trimmed(rest.substr(0, comma)), edge) || (comma == std::string_view::npos) != isLast) {
+      throw UsageError(fmt::format("--within: '{}' is not four numbers WEST,SOUTH,EAST,NORTH", text));
+    }
+    if (!isLast) rest.remove_prefix(comma + 1);
   }
+  const auto [west, south, east, north] = edges;
+  if (!(west < east && south < north)) {
+    throw UsageError("--within: west must be below east, south below north");
+  }
+  return {west, south, east, north};
+}
+
+Window WindowOf(const PlotArguments& arguments, const ProjectionParameters& p) {
+  if (!arguments.within.empty()) return ReadWindow(arguments.within);
   const double lon = p.method == ProjectionMethodHotine || p.method == ProjectionMethodObliqueMercator
                          ? p.Lon1
                      : p.method == ProjectionMethodRobinson ? 0.0
@@ -313,9 +330,7 @@ void AddPlotCommand(CLI::App& app, int& status) {
   command
       ->add_option("--within", arguments->within,
                    "Part of the globe to draw, degrees; all of it when not given")
-      ->type_name("WEST,SOUTH,EAST,NORTH")
-      ->delimiter(',')
-      ->expected(4);
+      ->type_name("WEST,SOUTH,EAST,NORTH");
   command->add_option("--size", arguments->size, "Longer side of the picture, pixels")
       ->check(CLI::Range(16, 20000))
       ->capture_default_str();

@@ -8,6 +8,7 @@
 
 #include "orv/core/ORVGlobals.h"
 #include "orv/shared/Exception.h"
+#include "tools/orv/Catalogue.h"
 #include "tools/orv/Command.h"
 
 namespace orv::tool {
@@ -36,7 +37,8 @@ int main(int argc, char** argv) {
       "x is longitude or easting, y latitude or northing, always in this order; angles are degrees, east and north\n"
       "positive.  Data goes to standard output, messages to standard error."};
   app.name("orv");
-  app.set_version_flag("--version", "orv " ORV_VERSION);
+  app.set_version_flag("--version", &VersionText,
+                       "Version of the program and of the catalogue, and its notice");
   app.add_option_function<std::string>(
          "--config", [](const std::string& folder) { orv::ORVSetConfigPath(folder.c_str()); },
          "Folder that is searched first for configuration files")
@@ -53,6 +55,7 @@ int main(int argc, char** argv) {
   AddLatLonCommand(app, status);
   AddListCommand(app, status);
   AddInfoCommand(app, status);
+  AddIdentifyCommand(app, status);
   AddRouteCommand(app, status);
   AddDefCommand(app, status);
   AddCheckCommand(app, status);
