@@ -426,6 +426,13 @@ int UsePublicInterface() {
   Use(static_cast<bool (orv::Projector::*)(const shr::Vec2d*) const>(&orv::Projector::LatLonInProjection));
   Use(static_cast<bool (orv::Projector::*)(const shr::Vec2d*, size_t, double*, double*)>(
       &orv::Projector::OffsetSplitObject));
+  Use(static_cast<void (orv::Projector::*)(void*, size_t, const shr::Vec2d*,
+                                           bool (*)(void*, size_t, const shr::Vec2d*))>(
+      &orv::Projector::PreclipPolyline));
+  Use(static_cast<void (orv::Projector::*)(void*, size_t, const size_t*, const shr::Vec2d*,
+                                           bool (*)(void*, size_t, const size_t*, const shr::Vec2d*),
+                                           bool (*)(void*, size_t, const shr::Vec2d*))>(
+      &orv::Projector::PreclipPolygon));
   Use(static_cast<void (orv::Projector::*)()>(&orv::Projector::Flush));
   Use(static_cast<void (orv::Projector::*)(std::string&, size_t) const>(&orv::Projector::DebugDump));
   Use(static_cast<const char* (*)(WarpMethod)>(&orv::WarpDef::MethodName));
