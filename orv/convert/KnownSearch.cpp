@@ -5,6 +5,7 @@
 #include <numeric>
 #include <utility>
 
+#include "orv/convert/internal/TypedText.h"
 #include "orv/core/internal/Text.h"
 #include "orv/datum/DatumList.h"
 #include "orv/projection/ProjectionDef.h"
@@ -245,6 +246,23 @@ size_t Distance(const std::string& a, const std::string& b) {
   return row.back();
 }
 
+const char* WordFor(KnownList list) {
+  switch (list) {
+    case KnownListSystems:
+      return "system";
+    case KnownListDatums:
+      return "datum";
+    case KnownListEllipsoids:
+      return "ellipsoid";
+    case KnownListMeridians:
+      return "meridian";
+    case KnownListLinearUnits:
+    case KnownListAngularUnits:
+      break;
+  }
+  return "unit";
+}
+
 constexpr size_t kLongestLikeness = 200;  // texts beyond are cut: nobody types them
 
 }  // namespace
@@ -339,6 +357,15 @@ std::vector<KnownEntry> ORVNearestKnown(KnownList list, std::string_view text, s
   std::vector<KnownEntry> found;
   for (const auto& [distance, entry] : near) found.push_back(*entry);
   return found;
+}
+
+std::string ORVUnknownText(KnownList list, std::string_view text) {
+  std::string nearest;
+  for (const KnownEntry& entry : ORVNearestKnown(list, text, 3)) {
+    nearest += (nearest.empty() ? "; nearest: " : ", ") + entry.token + " (" + entry.ShortName() + ")";
+  }
+  return internal::Format("unknown %s '%s'%s", WordFor(list), internal::Excerpt(text).c_str(),
+                          nearest.c_str());
 }
 
 }  // namespace orv

@@ -63,4 +63,9 @@ ORV_API std::vector<KnownEntry> ORVSearchKnown(KnownList list, std::string_view 
 /// letters have to be changed, put in or left out.  Far ones (more than half of the letters) are none.
 ORV_API std::vector<KnownEntry> ORVNearestKnown(KnownList list, std::string_view text, size_t limit);
 
+/// What to tell of a text that names no entry: "unknown system 'x'; nearest: EPSG:4326 (WGS 84), ...", with the
+/// three nearest; the part from the semicolon on is left out when none is near.  Systems, datums, ellipsoids,
+/// meridians and units go by these names.
+ORV_API std::string ORVUnknownText(KnownList list, std::string_view text);
+
 }  // namespace orv

@@ -22,35 +22,26 @@ void LoadCatalogue() {
   (void)loaded;
 }
 
-std::string UnknownText(KnownList list, const std::string& what, const std::string& text) {
-  std::string nearest;
-  for (const KnownEntry& entry : ORVNearestKnown(list, text, 3)) {
-    nearest +=
-        fmt::format("{}{} ({})", nearest.empty() ? "; nearest: " : ", ", entry.token, entry.ShortName());
-  }
-  return fmt::format("unknown {} '{}'{}", what, Excerpt(text), nearest);
-}
-
 namespace {
 
-int Find(KnownList list, const char* what, const std::string& text) {
+int Find(KnownList list, const std::string& text) {
   const int index = ORVFindKnown(list, text);
-  if (index == 0) throw UsageError(UnknownText(list, what, text));
+  if (index == 0) throw UsageError(ORVUnknownText(list, text));
   return index;
 }
 
 }  // namespace
 
 const CSDef& KnownSystem(const std::string& text) {
-  return *ORVKnownSystemsList.Enum(Find(KnownListSystems, "system", text));
+  return *ORVKnownSystemsList.Enum(Find(KnownListSystems, text));
 }
 
 const DatumDef& KnownDatum(const std::string& text) {
-  return *ORVKnownDatumsList.Enum(Find(KnownListDatums, "datum", text));
+  return *ORVKnownDatumsList.Enum(Find(KnownListDatums, text));
 }
 
 const EllipsoidDef& KnownEllipsoid(const std::string& text) {
-  return *ORVKnownEllipsoidsList.Enum(Find(KnownListEllipsoids, "ellipsoid", text));
+  return *ORVKnownEllipsoidsList.Enum(Find(KnownListEllipsoids, text));
 }
 
 std::string NoticeFor(const std::string& token) {

@@ -23,9 +23,6 @@ const CSDef& KnownSystem(const std::string& text);
 const DatumDef& KnownDatum(const std::string& text);
 const EllipsoidDef& KnownEllipsoid(const std::string& text);
 
-/// "unknown system 'x' (nearest: A, B, C)".
-std::string UnknownText(KnownList list, const std::string& what, const std::string& text);
-
 /// What has to be told with values of the shipped catalogue; "" for entries that are not from it.
 std::string NoticeFor(const std::string& token);
 
