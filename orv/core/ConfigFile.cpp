@@ -14,7 +14,7 @@ namespace orv {
 
 namespace {
 
-constexpr size_t kBufferSize = 65536;
+constexpr size_t kLeastRoom = 65536;  // for a file that does not tell its length
 constexpr char kDelimiters[] = "=+,;:~/!@#$%^&*(){}[]|<>";
 static_assert(sizeof kDelimiters - 1 == 24, "the delimiter set has 24 characters");
 
@@ -29,9 +29,21 @@ struct KindTable {
   }
 };
 constexpr KindTable kKinds;
+Kind KindOf(char c) { return kKinds.kinds[static_cast<unsigned char>(c)]; }
+
+const char* SkipKind(Kind kind, const char* at, const char* end) {
+  while (at != end && KindOf(*at) == kind) ++at;
+  return at;
+}
+
+// The first line feed from `at` on, or the end of the text.
+const char* LineEnd(const char* at, const char* end) {
+  const void* const found = std::memchr(at, '\n', static_cast<size_t>(end - at));
+  return found ? static_cast<const char*>(found) : end;
+}
 
 // Undoes the escapes of an unquoted token.
-std::string Unescaped(const std::string& text) {
+std::string Unescaped(std::string_view text) {
   std::string plain;
   for (size_t at = 0; at < text.size(); ++at) {
     if (text[at] != '\\') {
@@ -97,21 +109,23 @@ std::string Escaped(const std::string& text, bool keepLines) {
 
 ConfigFileReader::ConfigFileReader(bool unescape) : m_bUnescape(unescape) {}
 
-ConfigFileReader::~ConfigFileReader() { Close(); }
+ConfigFileReader::~ConfigFileReader() = default;
 
 bool ConfigFileReader::TryOpen(const char* fileName) {
   fileName = internal::EmptyIfNull(fileName);
-  if (m_pFile) {
+  if (m_bOpen) {
     return ORV_FAIL(ErrWrongState, "Configuration file already open while attempting to open '%s'", fileName);
   }
   m_FileName = fileName;
-  m_pFile = platform::OpenFile(m_FileName.c_str(), "rb");
-  m_Line = 1;
-  m_Token.clear();
-  m_Pushback = kNone;
+  m_Token = {};
   m_bGivenBack = false;
-  m_Used = m_Filled = 0;
-  return m_pFile != nullptr;
+  m_Size = m_At = 0;
+  std::FILE* const file = platform::OpenFile(m_FileName.c_str(), "rb");
+  if (!file) return false;
+  m_bOpen = true;
+  ReadAll(file);
+  std::fclose(file);
+  return true;
 }
 
 bool ConfigFileReader::Open(const char* fileName) {
@@ -120,57 +134,53 @@ bool ConfigFileReader::Open(const char* fileName) {
 }
 
 void ConfigFileReader::Close() {
-  if (m_pFile) std::fclose(m_pFile);
-  m_pFile = nullptr;
+  m_bOpen = false;
+  m_Token = {};
+  m_pText.reset();
+  m_Unescaped.clear();
+  m_Size = m_At = 0;
 }
 
-int ConfigFileReader::ReadCharacter() {
-  int c = m_Pushback;
-  m_Pushback = kNone;
-  if (c == kNone) {
-    if (m_Used == m_Filled) {
-      if (!m_pFile) return kEnd;
-      m_Buffer.resize(kBufferSize);
-      m_Filled = std::fread(m_Buffer.data(), 1, m_Buffer.size(), m_pFile);
-      m_Used = 0;
-      if (m_Filled == 0) return kEnd;
-    }
-    c = static_cast<unsigned char>(m_Buffer[m_Used++]);
-  }
-  if (c == '\n') ++m_Line;
-  return c;
-}
-
-// A line feed that is given back is not counted until it is read again.
-void ConfigFileReader::PushBack(int c) {
-  if (c == '\n') --m_Line;
-  m_Pushback = c;
-}
-
-void ConfigFileReader::SkipComment() {
-  for (int c = ReadCharacter(); c != kEnd && c != '\n';) c = ReadCharacter();
-}
-
-void ConfigFileReader::ReadQuoted(int quote) {
-  for (;;) {
-    const int c = ReadCharacter();
-    if (c == quote || c == kEnd) return;
-    if (c == '\n') {
-      PushBack(c);
-      return;
-    }
-    m_Token += static_cast<char>(c);
+void ConfigFileReader::ReadAll(std::FILE* file) {
+  const bool told = std::fseek(file, 0, SEEK_END) == 0;
+  const long length = told ? std::ftell(file) : 0;
+  if (told) std::rewind(file);
+  size_t room = std::max(kLeastRoom, static_cast<size_t>(std::max(length, 0L)) + 1);
+  m_pText.reset(new char[room]);
+  while (const size_t count = std::fread(m_pText.get() + m_Size, 1, room - m_Size, file)) {
+    m_Size += count;
+    if (m_Size < room) continue;
+    room *= 2;
+    std::unique_ptr<char[]> larger(new char[room]);
+    std::memcpy(larger.get(), m_pText.get(), m_Size);
+    m_pText = std::move(larger);
   }
 }
 
-void ConfigFileReader::ReadPlain(int first) {
-  int c = first;
-  do {
-    m_Token += static_cast<char>(c);
-    c = ReadCharacter();
-  } while (c != kEnd && kKinds.kinds[c] == Kind::Plain);
-  if (c != kEnd) PushBack(c);
-  if (m_bUnescape && m_Token.find('\\') != std::string::npos) m_Token = Unescaped(m_Token);
+int ConfigFileReader::Line() const {
+  const char* const text = m_pText.get();
+  return 1 + static_cast<int>(std::count(text, text + m_At, '\n'));
+}
+
+// Up to the same quote, which is read, or to the line's end, which is not.
+void ConfigFileReader::TakeQuoted() {
+  const char* const begin = m_pText.get() + m_At + 1;
+  const char* const lineEnd = LineEnd(begin, m_pText.get() + m_Size);
+  const auto length = static_cast<size_t>(lineEnd - begin);
+  const void* const quote = std::memchr(begin, begin[-1], length);
+  const char* const end = quote ? static_cast<const char*>(quote) : lineEnd;
+  m_Token = {begin, static_cast<size_t>(end - begin)};
+  m_At = static_cast<size_t>(end - m_pText.get()) + (quote ? 1 : 0);
+}
+
+void ConfigFileReader::TakePlain() {
+  const char* const begin = m_pText.get() + m_At;
+  const char* const end = SkipKind(Kind::Plain, begin + 1, m_pText.get() + m_Size);
+  m_Token = {begin, static_cast<size_t>(end - begin)};
+  m_At += m_Token.size();
+  if (m_bUnescape && m_Token.find('\\') != std::string_view::npos) {
+    m_Token = m_Unescaped.emplace_back(Unescaped(m_Token));
+  }
 }
 
 bool ConfigFileReader::Next() {
@@ -178,24 +188,22 @@ bool ConfigFileReader::Next() {
     m_bGivenBack = false;
     return true;
   }
-  for (;;) {
-    m_Token.clear();
-    int c = ReadCharacter();
-    while (c != kEnd && kKinds.kinds[c] == Kind::White) c = ReadCharacter();
-    if (c == kEnd) return false;
-    if (c == ';') {
-      SkipComment();
-      continue;
-    }
-    if (kKinds.kinds[c] == Kind::Delimiter) {
-      m_Token = static_cast<char>(c);
-    } else if (c == '"' || c == '\'') {
-      ReadQuoted(c);
-    } else {
-      ReadPlain(c);
-    }
-    return true;
+  const char* const text = m_pText.get();
+  const char* const end = text + m_Size;
+  const char* at = SkipKind(Kind::White, text + m_At, end);
+  while (at != end && *at == ';') at = SkipKind(Kind::White, LineEnd(at, end), end);  // comments
+  m_At = static_cast<size_t>(at - text);
+  m_Token = {};
+  if (at == end) return false;
+  if (*at == '"' || *at == '\'') {
+    TakeQuoted();
+  } else if (KindOf(*at) == Kind::Plain) {
+    TakePlain();
+  } else {
+    m_Token = {at, 1};
+    ++m_At;
   }
+  return true;
 }
 
 // ---- writer ----------------------------------------------------------------------------------------------

@@ -9,17 +9,20 @@
 // open, 1030 for a failed write.
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
+#include <deque>
+#include <memory>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "orv/core/Export.h"
 #include "orv/core/Platform.h"
 
 namespace orv {
 
-/// Splits a file into tokens.  Every read character is a byte; no character is special beyond those named
-/// above.
+/// Splits a file, which is read whole when it is opened, into tokens.  Every read character is a byte; no
+/// character is special beyond those named above.
 class ORV_API ConfigFileReader {
  public:
   /// @param unescape  undo backslash escapes in unquoted tokens.  No file of this library turns it on.
@@ -39,32 +42,27 @@ class ORV_API ConfigFileReader {
   /// Gives the present token back, so that Next reads it again.  One token only.
   void GiveBack() { m_bGivenBack = true; }
 
-  const std::string& Token() const { return m_Token; }
+  /// The present token, valid until the file is closed.
+  std::string_view Token() const { return m_Token; }
   /// Number of the line that was read last, from 1; a line feed that ends a token is not counted until it is
-  /// read.
-  int Line() const { return m_Line; }
+  /// read.  Counted when it is asked for, which is for messages only.
+  int Line() const;
   const char* FileName() const { return m_FileName.c_str(); }
 
  private:
-  static constexpr int kEnd = -1;   // end of file
-  static constexpr int kNone = -1;  // nothing pushed back
-
-  int ReadCharacter();
-  void PushBack(int c);
-  void SkipComment();
-  void ReadQuoted(int quote);
-  void ReadPlain(int first);
+  void ReadAll(std::FILE* file);
+  void TakeQuoted();
+  void TakePlain();
 
   std::string m_FileName;
-  std::FILE* m_pFile = nullptr;
-  int m_Line = 1;
-  std::string m_Token;
+  bool m_bOpen = false;
   bool m_bUnescape;
-  int m_Pushback = kNone;
   bool m_bGivenBack = false;
-  std::vector<char> m_Buffer;
-  size_t m_Used = 0;    // characters of the buffer already read
-  size_t m_Filled = 0;  // characters in the buffer
+  std::string_view m_Token;         // within the text, or the last of the unescaped ones
+  std::unique_ptr<char[]> m_pText;  // the whole file
+  size_t m_Size = 0;                // its length
+  size_t m_At = 0;                  // characters that have been read
+  std::deque<std::string> m_Unescaped;
 };
 
 /// Writes a configuration file.  Lines end in a line feed on every platform.

@@ -79,10 +79,10 @@ void ReadSettings() {
   ConfigFileReader reader;
   reader.Open(path.c_str());
   while (reader.Next() && !reader.Token().empty()) {
-    const std::string key = reader.Token();
+    const std::string_view key = reader.Token();
     if (!reader.Next() || reader.Token() != "=" || !reader.Next()) return;
     for (const Setting& setting : kSettings) {
-      if (internal::EqualIgnoringCase(key, setting.key)) setting.set(reader.Token());
+      if (internal::EqualIgnoringCase(key, setting.key)) setting.set(std::string(reader.Token()));
     }
   }
 }

@@ -1,6 +1,8 @@
 #include "orv/datum/DatumList.h"
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "orv/core/internal/ConfigEntry.h"
@@ -73,8 +75,8 @@ namespace internal {
 // A datum's entry in the file.  Values are stored past the setters, so that the list's own complaints, which
 // tell file and line, are the ones a caller gets.
 struct DatumEntry {
-  static bool SetEllipsoid(DatumDef& d, const std::string& token) {
-    return ORVKnownEllipsoidsList.FindByToken(token.c_str(), &d.m_Parameters.ellipsoid) != 0;
+  static bool SetEllipsoid(DatumDef& d, std::string_view token) {
+    return ORVKnownEllipsoidsList.FindByToken(std::string(token).c_str(), &d.m_Parameters.ellipsoid) != 0;
   }
 
   /// Whether the ellipsoid's token alone brings back its dimensions.
@@ -87,7 +89,7 @@ struct DatumEntry {
   template <class Walker, class Self>
   static void Walk(Walker& w, Self& d, bool& geogcs) {
     auto& p = d.m_Parameters;
-    const auto uses = [&d](DatumParameterID id) { return d.UsesParameter(id); };
+    const auto uses = [&d](DatumParameterID id) { return kWriting<Walker> && d.UsesParameter(id); };
     w.Text("token", d.m_Token);
     w.Text("name", d.m_Name);
     w.Text("comment", d.m_Comment, !d.m_Comment.empty());
@@ -119,7 +121,7 @@ struct DatumEntry {
   static void WalkEllipsoid(Walker& w, Self& d) {
     auto& ellipsoid = d.m_Parameters.ellipsoid;
     const bool any = ellipsoid.m_Radius != 0.0;
-    const bool known = std::is_const_v<Self> && IsKnown(ellipsoid);  // asked by the writer only
+    const bool known = kWriting<Walker> && IsKnown(ellipsoid);
     w.Reference("ellipsoid", ellipsoid.m_Token, d, &SetEllipsoid, "%s(%d):  Unknown ellipsoid token '%s'",
                 any && known);
     w.Text("ellipsoid_token", ellipsoid.m_Token, any && !known && !ellipsoid.m_Token.empty());
@@ -286,7 +288,7 @@ bool DatumList::Load(const char* file, bool reportErrors) {
         entry.Flush();
         geogcs = false;
       },
-      [&](const std::string& key, const std::string& value) {
+      [&](std::string_view key, std::string_view value) {
         internal::KeyReader keys(key, value, reader, ORV_SITE);
         internal::DatumEntry::Walk(keys, entry, geogcs);
       },

@@ -251,7 +251,7 @@ bool CSList::Load(const char* fileName, bool bThrowIfFileMissing) {
   while (reader.Next()) {
     if (reader.Token() != "{") {
       return ORV_FAIL(ErrSyntax, internal::kEntryTexts.expectedBrace, reader.FileName(), reader.Line(),
-                      reader.Token().c_str());
+                      std::string(reader.Token()).c_str());
     }
     std::unique_ptr<CSDef> system = ReadKind(reader);
     if (!system) return false;

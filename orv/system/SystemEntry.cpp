@@ -4,6 +4,7 @@
 // the system at its closing brace, datum first, then projection, then warp, each only when one of its keys
 // was met.
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <vector>
 
@@ -36,19 +37,19 @@ ErrorSite OrvSite(int line) { return {"ORVDef", line}; }
 
 /// The keys of an ellipsoid: one that names a known ellipsoid, and those of an inline one.
 struct EllipsoidKeys {
-  const char* reference;
-  const char* token;
-  const char* name;
-  const char* radius;
-  const char* flat;
+  KeyName reference;
+  KeyName token;
+  KeyName name;
+  KeyName radius;
+  KeyName flat;
 };
 constexpr EllipsoidKeys kDatumEllipsoid = {"datum_ellipsoid", "datum_ellipsoid_token", "datum_ellipsoid_name",
                                            "datum_ellipsoid_radius", "datum_ellipsoid_flat"};
 constexpr EllipsoidKeys kProjectionEllipsoid = {"ellipsoid", "ellipsoid_token", "ellipsoid_name",
                                                 "ellipsoid_radius", "ellipsoid_flat"};
 
-bool FindEllipsoid(EllipsoidDef& ellipsoid, const std::string& token) {
-  return ORVKnownEllipsoidsList.FindByToken(token.c_str(), &ellipsoid) != 0;
+bool FindEllipsoid(EllipsoidDef& ellipsoid, std::string_view token) {
+  return ORVKnownEllipsoidsList.FindByToken(std::string(token).c_str(), &ellipsoid) != 0;
 }
 /// Whether the token alone brings the dimensions back.
 bool IsKnown(const EllipsoidDef& ellipsoid) {
@@ -62,18 +63,14 @@ double GetRadius(const EllipsoidDef& ellipsoid) { return ellipsoid.GetMajorRadiu
 void SetRadius(EllipsoidDef& ellipsoid, double radius) { ellipsoid.SetMajorRadius(radius); }
 double GetFlattening(const EllipsoidDef& ellipsoid) { return ellipsoid.GetFlattening(); }
 void SetFlattening(EllipsoidDef& ellipsoid, double flattening) { ellipsoid.SetFlattening(flattening); }
-bool SetToken(EllipsoidDef& ellipsoid, const std::string& token) {
-  ellipsoid.SetToken(token.c_str());
+bool SetToken(EllipsoidDef& ellipsoid, std::string_view token) {
+  ellipsoid.SetToken(std::string(token).c_str());
   return true;
 }
-bool SetName(EllipsoidDef& ellipsoid, const std::string& name) {
-  ellipsoid.SetName(name.c_str());
+bool SetName(EllipsoidDef& ellipsoid, std::string_view name) {
+  ellipsoid.SetName(std::string(name).c_str());
   return true;
 }
-
-/// What only a writer asks for is not computed for a reader, which walks all keys for each pair of an entry.
-template <class Walker>
-constexpr bool kWriting = std::is_same_v<Walker, KeyWriter>;
 
 /// An ellipsoid without radius is not written: the reader would refuse it.
 template <class Walker>
@@ -92,9 +89,10 @@ void WalkEllipsoid(Walker& w, EllipsoidDef& ellipsoid, const EllipsoidKeys& keys
 
 // ---- datums ----------------------------------------------------------------------------------------------
 
-/// A datum in pieces.
+/// A datum in pieces, or a known one that has not been taken to pieces.
 struct DatumDraft {
-  DatumDef whole;  ///< what has no key of its own: comment and POSC number
+  const DatumDef* known = nullptr;  ///< then the pieces do not count
+  DatumDef whole;                   ///< what has no key of its own: comment and POSC number
   std::string token;
   std::string name;
   DatumTarget special = DatumTargetNone;
@@ -107,6 +105,10 @@ struct DatumDraft {
     special = datum.GetSpecial();
     datum.GetParameters(p);
   }
+  void TakeToPieces() {
+    if (known) Take(*known);
+    known = nullptr;
+  }
   DatumDef Make() {
     DatumDef datum(whole);
     datum.SetToken(token);
@@ -118,20 +120,21 @@ struct DatumDraft {
 };
 
 /// A known datum by its token, else by its name, else by one of three old short names.
-bool FindDatum(DatumDraft& draft, const std::string& text) {
+bool FindDatum(DatumDraft& draft, std::string_view tokenOrName) {
   static constexpr const char* kOldNames[][2] = {
       {"NAD27", "North American Datum 1927"},
       {"NAD83", "North American Datum 1983"},
       {"WGS84", "World Geodetic System 1984"},
   };
-  DatumDef found;
-  const DatumList& known = ORVKnownDatumsList;
-  bool isKnown = known.FindByToken(text.c_str(), &found) != 0 || known.FindByName(text.c_str(), &found) != 0;
+  const std::string text(tokenOrName);
+  const DatumList& list = ORVKnownDatumsList;
+  int index = list.FindByToken(text.c_str(), nullptr);
+  if (index == 0) index = list.FindByName(text.c_str(), nullptr);
   for (const auto& old : kOldNames) {
-    if (!isKnown && EqualIgnoringCase(text, old[0])) isKnown = known.FindByName(old[1], &found) != 0;
+    if (index == 0 && EqualIgnoringCase(text, old[0])) index = list.FindByName(old[1], nullptr);
   }
-  if (isKnown) draft.Take(found);
-  return isKnown;
+  if (index != 0) draft.known = list.Enum(index);
+  return index != 0;
 }
 
 /// Whether the token alone brings the datum back, apart from its comment.
@@ -150,24 +153,34 @@ bool IsKnown(const DatumDef& datum) {
 }
 
 // Deliberate: "Unknown" and "NONE" are no better than a name that no table has.
-bool SetMethod(DatumDraft& d, const std::string& name) {
-  d.p.method = DatumDef::NameToMethod(name.c_str());
+bool SetMethod(DatumDraft& d, std::string_view name) {
+  d.p.method = DatumDef::NameToMethod(std::string(name).c_str());
   return d.p.method != DatumMethodUnknown;
 }
-bool SetTarget(DatumDraft& d, const std::string& name) {
-  d.p.target = DatumDef::NameToTarget(name.c_str());
+bool SetTarget(DatumDraft& d, std::string_view name) {
+  d.p.target = DatumDef::NameToTarget(std::string(name).c_str());
   return d.p.target != DatumTargetNone;
 }
-bool SetSpecial(DatumDraft& d, const std::string& name) {
-  d.special = DatumDef::NameToTarget(name.c_str());
+bool SetSpecial(DatumDraft& d, std::string_view name) {
+  d.special = DatumDef::NameToTarget(std::string(name).c_str());
   return d.special != DatumTargetNone;
 }
-bool SetMREType(DatumDraft& d, const std::string& name) {
-  d.p.mreType = DatumDef::NameToMREType(name.c_str());
+bool SetMREType(DatumDraft& d, std::string_view name) {
+  d.p.mreType = DatumDef::NameToMREType(std::string(name).c_str());
   return d.p.mreType != DatumMRETypeNone;
 }
 
+/// Whether the key is one of those of WalkDatum.
+bool IsPieceOfDatum(std::string_view key) {
+  return key.size() > 6 && EightFolded(key.substr(0, 6)) == EightFolded("datum_");
+}
+
 /// @param known  written by reference alone.
+template <class Walker>
+void WalkDatumReference(Walker& w, DatumDraft& d, bool known) {
+  w.Reference("datum", d.token, d, &FindDatum, "%s(%d):  Unknown datum '%s'\n", known);
+}
+
 template <class Walker>
 void WalkDatum(Walker& w, DatumDraft& d, bool known) {
   DatumParameters& p = d.p;
@@ -181,7 +194,6 @@ void WalkDatum(Walker& w, DatumDraft& d, bool known) {
   const char* const mreType = kWriting<Walker> ? DatumDef::MRETypeToName(p.mreType) : nullptr;
   const char* const special = kWriting<Walker> ? DatumDef::TargetToName(d.special) : nullptr;
 
-  w.Reference("datum", d.token, d, &FindDatum, "%s(%d):  Unknown datum '%s'\n", known);
   w.Text("datum_token", d.token, !known && !d.token.empty());
   w.Text("datum_name", d.name, !known && !d.name.empty());
   w.Reference("datum_method", EmptyIfNull(method), d, &SetMethod, "%s(%d):  Unknown datum method '%s'\n",
@@ -207,19 +219,19 @@ void WalkDatum(Walker& w, DatumDraft& d, bool known) {
 
 // ---- projections -----------------------------------------------------------------------------------------
 
-bool SetProjectionMethod(ProjectionParameters& p, const std::string& name) {
-  p.method = ProjectionDef::NameToMethod(name.c_str());
+bool SetProjectionMethod(ProjectionParameters& p, std::string_view name) {
+  p.method = ProjectionDef::NameToMethod(std::string(name).c_str());
   return p.method != ProjectionMethodUnknown;
 }
 
 /// Degrees, or degrees, minutes and seconds.
-bool SetAngle(double& angle, const std::string& text) {
-  if (!LatLonToDegrees(text.c_str(), &angle, 'd')) angle = ReadDecimal(text);
+bool SetAngle(double& angle, std::string_view text) {
+  if (!LatLonToDegrees(std::string(text).c_str(), &angle, 'd')) angle = ReadDecimal(text);
   return true;
 }
 
 template <class Walker>
-void Angle(Walker& w, const char* key, double& angle, bool write) {
+void Angle(Walker& w, KeyName key, double& angle, bool write) {
   if (!kWriting<Walker> || write) w.Parsed(key, kParameter, angle, angle, &SetAngle, "");
 }
 
@@ -272,8 +284,8 @@ struct WarpDraft {
   }
 };
 
-bool SetWarpMethod(WarpDraft& d, const std::string& name) {
-  d.method = WarpDef::NameToMethod(name.c_str());
+bool SetWarpMethod(WarpDraft& d, std::string_view name) {
+  d.method = WarpDef::NameToMethod(std::string(name).c_str());
   return d.method != WarpMethodUnknown;
 }
 
@@ -289,7 +301,7 @@ void ReadNumbers(ConfigFileReader& reader, double* numbers, int count) {
 }
 
 /// Whether the pair was the warp's.
-bool TakeWarp(WarpDraft& d, const std::string& key, const std::string& value, ConfigFileReader& reader) {
+bool TakeWarp(WarpDraft& d, std::string_view key, std::string_view value, ConfigFileReader& reader) {
   if (EqualIgnoringCase(key, "warp_coeff")) {
     ReadNumbers(reader, d.coefficients, 6);
     d.hasCoefficients = true;
@@ -370,13 +382,17 @@ struct SystemEntry {
     bool seenDatum = false, seenProjection = false, seenWarp = false;
     const ErrorSite site = OrvSite(__LINE__);
     const bool complete =
-        ReadEntryBody(reader, kEntryTexts, site, [&](const std::string& key, const std::string& value) {
+        ReadEntryBody(reader, kEntryTexts, site, [&](std::string_view key, std::string_view value) {
           KeyReader keys(key, value, reader, site);
           WalkHead(keys, d);
           WalkTail(keys, d);
           if (keys.Taken()) return;
           Guarded(reader, [&] {
-            WalkDatum(keys, datum, false);
+            WalkDatumReference(keys, datum, false);
+            if (IsPieceOfDatum(key)) {
+              datum.TakeToPieces();
+              WalkDatum(keys, datum, false);
+            }
             if (keys.Taken()) {
               seenDatum = true;
               return;
@@ -391,7 +407,9 @@ struct SystemEntry {
         });
     if (!complete) return;
     Guarded(reader, [&] {
-      if (seenDatum) {
+      if (datum.known) {
+        d.SetDatum(datum.known);
+      } else if (seenDatum) {
         const DatumDef made = datum.Make();
         d.SetDatum(&made);
       }
@@ -413,7 +431,9 @@ struct SystemEntry {
     if (d.m_pDatum) {
       DatumDraft datum;
       datum.Take(*d.m_pDatum);
-      WalkDatum(keys, datum, IsKnown(*d.m_pDatum));
+      const bool known = IsKnown(*d.m_pDatum);
+      WalkDatumReference(keys, datum, known);
+      WalkDatum(keys, datum, known);
     }
     if (d.m_pProjection) {
       ProjectionParameters projection = *d.m_pProjection->GetParameters();
@@ -437,7 +457,7 @@ struct SystemEntry {
 
   static void Read(UCSDef& d, ConfigFileReader& reader) {
     const ErrorSite site = {"UCSDef", __LINE__};
-    ReadEntryBody(reader, kEntryTexts, site, [&](const std::string& key, const std::string& value) {
+    ReadEntryBody(reader, kEntryTexts, site, [&](std::string_view key, std::string_view value) {
       KeyReader keys(key, value, reader, site);
       // Deliberate: a negative scale raises the setter's own failure, without file and line.
       WalkLocal(keys, d);

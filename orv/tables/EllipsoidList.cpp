@@ -210,7 +210,7 @@ bool EllipsoidList::Load(const char* fileName, bool bThrowIfFileMissing) {
   EllipsoidDef entry;
   return internal::ReadEntries(
       reader, internal::kEntryTexts, ORV_SITE, [&entry] { entry.Flush(); },
-      [&](const std::string& key, const std::string& value) {
+      [&](std::string_view key, std::string_view value) {
         internal::KeyReader keys(key, value, reader, ORV_SITE);
         internal::EllipsoidEntry::Walk(keys, entry);
       },

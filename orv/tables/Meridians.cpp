@@ -34,8 +34,8 @@ struct internal::TableTraits<MeridianInfo> {
     return EqualIgnoringCase(meridian.name, name);
   }
 
-  static bool ParseLongitude(MeridianInfo& meridian, const std::string& text) {
-    return LatLonToDegrees(text.c_str(), &meridian.longitude, 'd');
+  static bool ParseLongitude(MeridianInfo& meridian, std::string_view text) {
+    return LatLonToDegrees(std::string(text).c_str(), &meridian.longitude, 'd');
   }
   template <class Walker, class Self>
   static void Walk(Walker& w, Self& d) {

@@ -39,13 +39,13 @@ struct Entry {
   static double Inverse(const Entry& d) { return 1.0 / d.radius; }
   static void SetInverse(Entry& d, double value) { d.radius = 1.0 / value; }
   static void SetDoubled(Entry& d, double value) { d.radius += 2.0 * value; }
-  static bool SetAngle(Entry& d, const std::string& text) {
+  static bool SetAngle(Entry& d, std::string_view text) {
     if (text == "bad") return false;
     d.angle = ReadDecimal(text);
     return true;
   }
 
-  static bool SetOther(Entry& d, const std::string& token) {
+  static bool SetOther(Entry& d, std::string_view token) {
     if (token != "Known") return false;
     d.other = token;
     return true;
@@ -87,7 +87,7 @@ bool ReadAll(const std::string& path, std::vector<Entry>& entries, const EntryTe
   Entry entry;
   return ReadEntries(
       reader, texts, ORV_SITE, [&] { entry = Entry(); },
-      [&](const std::string& key, const std::string& value) {
+      [&](std::string_view key, std::string_view value) {
         KeyReader keys(key, value, reader, ORV_SITE);
         Entry::Walk(keys, entry);
       },

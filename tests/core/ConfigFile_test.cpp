@@ -40,7 +40,7 @@ std::vector<Token> TokensWithLines(const std::string& bytes, bool unescape = fal
   ConfigFileReader reader(unescape);
   reader.Open(folder.Write("test.ocf", bytes).c_str());
   std::vector<Token> tokens;
-  while (reader.Next()) tokens.push_back({reader.Token(), reader.Line()});
+  while (reader.Next()) tokens.push_back({std::string(reader.Token()), reader.Line()});
   EXPECT_EQ(reader.Token(), "") << "the end of the file has no token";
   EXPECT_FALSE(reader.Next()) << "the end of the file stays";
   return tokens;

@@ -153,6 +153,23 @@ TEST(Number, AgreesWithTheRunTimeLibraryOnRandomNumbers) {
   }
 }
 
+TEST(Number, AgreesWithTheRunTimeLibraryOnNumbersAsFilesHoldThem) {
+  // Short numbers with many zeros behind them, and those around the largest integer that is exact.
+  std::mt19937_64 random(10);
+  for (int i = 0; i < 20000; ++i) {
+    const auto digits = static_cast<int>(random() % 17);
+    const uint64_t integer = random() % (digits < 16 ? 100000 : uint64_t{1} << 55);
+    std::string text = std::to_string(integer);
+    if (random() % 8) {
+      const size_t decimals = random() % (text.size() + 4);
+      if (decimals >= text.size()) text.insert(0, decimals - text.size() + 1, '0');
+      text.insert(text.size() - decimals, 1, '.');
+      text.append(random() % 22, '0');
+    }
+    ExpectAsStrtod((random() % 4 ? "" : "-") + text);
+  }
+}
+
 TEST(Number, AgreesWithTheRunTimeLibraryOnRandomBits) {
   std::mt19937_64 random(8);
   for (int i = 0; i < 20000; ++i) {

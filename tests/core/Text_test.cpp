@@ -3,7 +3,11 @@
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "tests/support/CommaLocale.h"
 #include "tests/support/Generators.h"
@@ -32,7 +36,6 @@ TEST(Text, OnlyLettersOfAsciiAreFolded) {
 TEST(Text, ComparisonsIgnoreCase) {
   EXPECT_EQ(CompareIgnoringCase("Feet", "fEET"), 0);
   EXPECT_EQ(HashIgnoringCase("Feet"), HashIgnoringCase("fEET"));
-  EXPECT_EQ(HashIgnoringCase(nullptr), HashIgnoringCase(""));
   EXPECT_NE(HashIgnoringCase("foot"), HashIgnoringCase("feet"));
   EXPECT_TRUE(EqualIgnoringCase("WGS84", "wgs84"));
   EXPECT_FALSE(EqualIgnoringCase("WGS84", "WGS 84"));
@@ -54,6 +57,59 @@ TEST(Text, TheOrderIsThatOfLowerCaseBytesAsUnsigned) {
 TEST(Text, BytesBeyondAsciiHaveNoCase) {
   EXPECT_FALSE(EqualIgnoringCase("\xC4", "\xE4"));
   EXPECT_FALSE(EqualIgnoringCase("\xC3\x84", "\xC3\xA4"));  // A and a with dots, in UTF-8
+}
+
+TEST(Text, WholeTextsAreComparedBehindTheirZerosToo) {
+  using namespace std::string_view_literals;
+  EXPECT_TRUE(EqualIgnoringCase("Transverse MERCATOR"sv, "transverse Mercator"sv));
+  EXPECT_FALSE(EqualIgnoringCase("Transverse Mercator"sv, "Transverse Mercatos"sv));
+  EXPECT_FALSE(EqualIgnoringCase("Mercator"sv, "Mercato"sv));
+  EXPECT_FALSE(EqualIgnoringCase("type\0x"sv, "type"sv));
+  EXPECT_FALSE(EqualIgnoringCase("type\0x"sv, "type\0y"sv));
+  EXPECT_TRUE(EqualIgnoringCase(""sv, ""sv));
+}
+
+TEST(Text, EightCharactersOrderAsTheirTextsDo) {
+  static_assert(EightFolded("AZaz@[`{") == 0x617a617a405b607bu);
+  static_assert(EightFolded("ab") == 0x6162000000000000u);
+  static_assert(EightFolded("abcdefghi") == EightFolded("ABCDEFGH"));
+  for (int byte = 0; byte < 256; ++byte) {
+    const std::string text(9, static_cast<char>(byte));
+    const uint64_t folded = FoldCase(static_cast<char>(byte));
+    EXPECT_EQ(EightFolded(text), folded * 0x0101010101010101u) << byte;
+    EXPECT_EQ(EightFolded(text.substr(0, 3)), folded * 0x0101010000000000u) << byte;
+  }
+}
+
+TEST(Text, SortsAsItComparesAndEqualTextsByTheirNumbers) {
+  rc::check([] {
+    // few different characters and lengths around eight, so that many texts begin alike or are equal
+    const auto texts = *rc::gen::container<std::vector<std::string>>(
+        rc::gen::container<std::string>(rc::gen::element('a', 'A', 'b', '_', '\xE4')));
+    std::vector<std::string> longer;
+    for (const std::string& text : texts) longer.push_back(std::string(text.size() % 3 * 8, 'A') + text);
+    std::vector<NumberedText> sorted;
+    for (size_t i = 0; i < longer.size(); ++i)
+      sorted.push_back({longer[i].c_str(), static_cast<uint32_t>(i)});
+    std::vector<NumberedText> expected = sorted;
+    std::stable_sort(expected.begin(), expected.end(), [](const NumberedText& a, const NumberedText& b) {
+      return CompareIgnoringCase(a.text, b.text) < 0;
+    });
+    SortIgnoringCase(sorted);
+    for (size_t i = 0; i < sorted.size(); ++i) {
+      RC_ASSERT(sorted[i].number == expected[i].number);
+      RC_ASSERT(sorted[i].text == expected[i].text);
+    }
+  });
+}
+
+TEST(Text, LongEqualTextsAreSortedWithoutRecursion) {
+  const std::string text(1000000, 'x');
+  std::vector<NumberedText> texts = {{text.c_str(), 2}, {text.c_str(), 1}, {"x", 0}};
+  SortIgnoringCase(texts);
+  EXPECT_EQ(texts[0].number, 0u);
+  EXPECT_EQ(texts[1].number, 1u);
+  EXPECT_EQ(texts[2].number, 2u);
 }
 
 TEST(Text, ANullTextCountsAsEmpty) {

@@ -200,7 +200,7 @@ int CheckSettings(const std::string& path) {
   ConfigFileReader reader;
   reader.Open(path.c_str());
   while (reader.Next()) {
-    const std::string key = reader.Token();
+    const std::string key(reader.Token());
     const int line = reader.Line();
     if (!reader.Next() || reader.Token() != "=" || !reader.Next()) {
       Report(fmt::format("{}({}):  Expected '=' and a value behind '{}'; what follows is not read", path,

@@ -24,4 +24,17 @@ bool CreateListFile(ConfigFileWriter& writer, const ListFile& file, const char* 
   return true;
 }
 
+bool KeyReader::TakesWhole(std::string_view key) {
+  if (m_Taken || m_Key.size() != key.size()) return false;
+  m_Taken =
+      m_Key.size() <= 8 || EqualIgnoringCase(m_Key.substr(8), key.substr(8));  // eight are equal already
+  return m_Taken;
+}
+
+bool KeyReader::IsTrue() const { return EqualIgnoringCase(std::string(m_Value), "true"); }
+
+void KeyReader::Complain(const char* message) {
+  ORV_FAIL_AT(m_Site, ErrSyntax, message, m_Reader.FileName(), m_Reader.Line(), std::string(m_Value).c_str());
+}
+
 }  // namespace orv::internal

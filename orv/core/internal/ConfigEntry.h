@@ -15,8 +15,10 @@
 // their value.
 #pragma once
 
-#include <cstring>
+#include <cstdint>
 #include <string>
+#include <string_view>
+#include <type_traits>
 
 #include "orv/core/ConfigFile.h"
 #include "orv/core/internal/Fail.h"
@@ -67,11 +69,10 @@ bool ReadEntryBody(ConfigFileReader& reader, const EntryTexts& texts, const Erro
   const auto unexpectedEnd = [&] {
     return ORV_FAIL_AT(site, ErrSyntax, texts.unexpectedEnd, reader.FileName(), reader.Line());
   };
-  std::string key;
   for (;;) {
     if (!reader.Next()) return unexpectedEnd();
     if (reader.Token() == "}") return true;
-    key = reader.Token();
+    const std::string_view key = reader.Token();
     if (!reader.Next()) return unexpectedEnd();
     if (reader.Token() != "=") {
       return ORV_FAIL_AT(site, ErrSyntax, texts.expectedEquals, reader.FileName(), reader.Line());
@@ -89,7 +90,7 @@ bool ReadEntries(ConfigFileReader& reader, const EntryTexts& texts, const ErrorS
   while (reader.Next()) {
     if (reader.Token() != "{") {
       return ORV_FAIL_AT(site, ErrSyntax, texts.expectedBrace, reader.FileName(), reader.Line(),
-                         reader.Token().c_str());
+                         std::string(reader.Token()).c_str());
     }
     begin();
     if (!ReadEntryBody(reader, texts, site, take)) return false;
@@ -98,58 +99,60 @@ bool ReadEntries(ConfigFileReader& reader, const EntryTexts& texts, const ErrorS
   return true;
 }
 
+/// The name of a key, in a form in which a reader tells it from nearly every other at once.  Made of literals.
+struct KeyName {
+  consteval KeyName(const char* name) : text(name), eight(EightFolded(name)) {}
+
+  const char* text;
+  uint64_t eight;  // the first characters
+};
+
 /// Offers one pair to an entry's keys.
 class KeyReader {
  public:
-  KeyReader(const std::string& key, const std::string& value, const ConfigFileReader& reader,
+  KeyReader(std::string_view key, std::string_view value, const ConfigFileReader& reader,
             const ErrorSite& site)
-      : m_Key(key), m_Value(value), m_Reader(reader), m_Site(site) {}
+      : m_Key(key), m_Eight(EightFolded(key)), m_Value(value), m_Reader(reader), m_Site(site) {}
 
-  void Text(const char* key, std::string& value, bool = true) {
-    if (Takes(key)) value = m_Value;
+  void Text(KeyName key, std::string& value, bool = true) {
+    if (Takes(key)) value.assign(m_Value);
   }
-  void Number(const char* key, const char*, double& value, bool = true) {
+  void Number(KeyName key, const char*, double& value, bool = true) {
     if (Takes(key)) value = ReadDecimal(m_Value);
   }
-  void Int(const char* key, int& value, bool = true) {
+  void Int(KeyName key, int& value, bool = true) {
     if (Takes(key)) value = ReadInteger(m_Value);
   }
   /// "true" without regard to case sets the flag, every other text clears it.
-  void Flag(const char* key, bool& value, bool = true) {
-    if (Takes(key)) value = EqualIgnoringCase(m_Value, "true");
+  void Flag(KeyName key, bool& value, bool = true) {
+    if (Takes(key)) value = IsTrue();
   }
   /// A name of a vocabulary; one that stands in no row raises `unknown` (1029, with file, line and the
   /// value).
   template <class E, class Rows>
-  void Named(const char* key, E& value, const Rows& vocabulary, const char* unknown, bool = true) {
-    if (!Takes(key)) return;
-    const auto* const row = RowNamed(vocabulary, m_Value.c_str());
-    if (row) {
-      value = row->number;
-    } else {
-      Complain(unknown);
-    }
+  void Named(KeyName key, E& value, const Rows& vocabulary, const char* unknown, bool = true) {
+    if (Takes(key)) TakeNamed(value, vocabulary, unknown);
   }
   template <class Self>
-  void Derived(const char* key, const char*, Self& self, double (*)(const Self&), void (*set)(Self&, double),
+  void Derived(KeyName key, const char*, Self& self, double (*)(const Self&), void (*set)(Self&, double),
                bool = true) {
     if (Takes(key)) set(self, ReadDecimal(m_Value));
   }
   template <class Self>
-  void ReadOnly(const char* key, Self& self, void (*set)(Self&, double)) {
+  void ReadOnly(KeyName key, Self& self, void (*set)(Self&, double)) {
     if (Takes(key)) set(self, ReadDecimal(m_Value));
   }
   /// A number whose text only the caller understands: parse(self, text) gives false to raise `bad` (1029,
   /// with file, line and the text).  It is written by `format` as it is.
   template <class Self>
-  void Parsed(const char* key, const char*, Self& self, double, bool (*parse)(Self&, const std::string&),
+  void Parsed(KeyName key, const char*, Self& self, double, bool (*parse)(Self&, std::string_view),
               const char* bad) {
     if (Takes(key) && !parse(self, m_Value)) Complain(bad);
   }
   /// The token of an entry of another list: take(self, token) gives false, when that list has no such entry,
   /// to raise `unknown` (1029, with file, line and the token).
   template <class Self>
-  void Reference(const char* key, const std::string&, Self& self, bool (*take)(Self&, const std::string&),
+  void Reference(KeyName key, const std::string&, Self& self, bool (*take)(Self&, std::string_view),
                  const char* unknown, bool = true) {
     if (Takes(key) && !take(self, m_Value)) Complain(unknown);
   }
@@ -158,65 +161,79 @@ class KeyReader {
   bool Taken() const { return m_Taken; }
 
  private:
-  bool Takes(const char* key) {
-    if (m_Taken || m_Key.size() != std::strlen(key) || !EqualIgnoringCase(m_Key, key)) return false;
-    m_Taken = true;
-    return true;
+  // Nearly every key that is offered is another one: what follows a match is kept out of line.
+  bool Takes(KeyName key) { return m_Eight == key.eight && TakesWhole(key.text); }
+  bool TakesWhole(std::string_view key);
+  bool IsTrue() const;
+  template <class E, class Rows>
+  void TakeNamed(E& value, const Rows& vocabulary, const char* unknown) {
+    const auto* const row = RowNamed(vocabulary, std::string(m_Value).c_str());
+    if (row) {
+      value = row->number;
+    } else {
+      Complain(unknown);
+    }
   }
-  void Complain(const char* message) {
-    ORV_FAIL_AT(m_Site, ErrSyntax, message, m_Reader.FileName(), m_Reader.Line(), m_Value.c_str());
-  }
+  void Complain(const char* message);
 
-  const std::string& m_Key;
-  const std::string& m_Value;
+  std::string_view m_Key;
+  uint64_t m_Eight;
+  std::string_view m_Value;
   const ConfigFileReader& m_Reader;
   ErrorSite m_Site;
   bool m_Taken = false;
 };
+
+class KeyWriter;
+
+/// What only a writer asks for need not be computed for a reader, which walks all keys for each pair of an
+/// entry.
+template <class Walker>
+constexpr bool kWriting = std::is_same_v<Walker, KeyWriter>;
 
 /// Writes an entry's keys, one line each with three leading blanks.
 class KeyWriter {
  public:
   explicit KeyWriter(ConfigFileWriter& writer) : m_Writer(writer) {}
 
-  void Text(const char* key, const std::string& value, bool write = true) {
+  void Text(KeyName key, const std::string& value, bool write = true) {
     if (write) Line(key, '"' + value + '"');
   }
-  void Number(const char* key, const char* format, double value, bool write = true) {
+  void Number(KeyName key, const char* format, double value, bool write = true) {
     if (write) Line(key, Format(format, value));
   }
-  void Int(const char* key, int value, bool write = true) {
+  void Int(KeyName key, int value, bool write = true) {
     if (write) Line(key, std::to_string(value));
   }
-  void Flag(const char* key, bool value, bool write = true) {
+  void Flag(KeyName key, bool value, bool write = true) {
     if (write) Line(key, value ? "true" : "false");
   }
   template <class E, class Rows>
-  void Named(const char* key, E value, const Rows& vocabulary, const char*, bool write = true) {
+  void Named(KeyName key, E value, const Rows& vocabulary, const char*, bool write = true) {
     if (write) Text(key, EmptyIfNull(NameOf(vocabulary, value)));
   }
   template <class Self>
-  void Derived(const char* key, const char* format, const Self& self, double (*get)(const Self&),
+  void Derived(KeyName key, const char* format, const Self& self, double (*get)(const Self&),
                void (*)(Self&, double), bool write = true) {
     if (write) Number(key, format, get(self));
   }
   template <class Self>
-  void ReadOnly(const char*, const Self&, void (*)(Self&, double)) {}
+  void ReadOnly(KeyName, const Self&, void (*)(Self&, double)) {}
   template <class Self>
-  void Parsed(const char* key, const char* format, const Self&, double value,
-              bool (*)(Self&, const std::string&), const char*) {
+  void Parsed(KeyName key, const char* format, const Self&, double value, bool (*)(Self&, std::string_view),
+              const char*) {
     Number(key, format, value);
   }
   template <class Self>
-  void Reference(const char* key, const std::string& token, const Self&, bool (*)(Self&, const std::string&),
+  void Reference(KeyName key, const std::string& token, const Self&, bool (*)(Self&, std::string_view),
                  const char*, bool write = true) {
     Text(key, token, write);
   }
 
  private:
   // Names may hold anything: a line never passes through a format.
-  void Line(const char* key, const std::string& value) {
-    m_Writer.Write(std::string("   ") + key + '=' + value + '\n');
+  void Line(KeyName key, const std::string& value) {
+    m_Writer.Write(std::string("   ") + key.text + '=' + value + '\n');
   }
 
   ConfigFileWriter& m_Writer;

@@ -10,8 +10,9 @@
 //       static const UniqueRule<ListCore<EllipsoidTraits>> kUnique[3];  // the first broken rule wins
 //     };
 //
-// A key is a struct with `static K Of(const Info&)`, `static int Compare(K, K)` (negative, 0 or positive) and
-// `static size_t Hash(K)` (the same for equal keys).
+// A key is a struct with `static K Of(const Info&)`, `static int Compare(K, K)` (negative, 0 or positive),
+// `static uint64_t Hash(K)` (the same for equal keys) and `static void Sort(first, last, of)`, which sorts
+// ascending positions by their keys of(position), those of equal keys staying in order.
 // The header of each list says which finds use an index and which scan.
 #pragma once
 
@@ -20,13 +21,60 @@
 #include <cstddef>
 #include <cstdint>
 #include <tuple>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "orv/core/internal/Fail.h"
 
 namespace orv::internal {
+
+/// Positions under the hashes of their keys.
+class HashedPositions {
+ public:
+  void Clear() {
+    m_Slots.clear();
+    m_Count = 0;
+  }
+  void Add(uint64_t hash, uint32_t position) {
+    if (2 * (m_Count + 1) > m_Slots.size()) Grow();
+    Place({hash, position});
+    ++m_Count;
+  }
+  /// Calls matches(position) for the positions of that hash, until it gives true; whether it has.
+  template <class Matches>
+  bool Find(uint64_t hash, Matches matches) const {
+    if (m_Count == 0) return false;
+    for (size_t at = Home(hash); m_Slots[at].position != kFree; at = Next(at)) {
+      if (m_Slots[at].hash == hash && matches(m_Slots[at].position)) return true;
+    }
+    return false;
+  }
+
+ private:
+  static constexpr uint32_t kFree = 0xffffffff;
+  struct Slot {
+    uint64_t hash = 0;
+    uint32_t position = kFree;
+  };
+
+  size_t Home(uint64_t hash) const { return hash & (m_Slots.size() - 1); }
+  size_t Next(size_t at) const { return (at + 1) & (m_Slots.size() - 1); }
+  void Place(const Slot& slot) {
+    size_t at = Home(slot.hash);
+    while (m_Slots[at].position != kFree) at = Next(at);
+    m_Slots[at] = slot;
+  }
+  void Grow() {
+    const std::vector<Slot> old = std::move(m_Slots);
+    m_Slots.assign(std::max<size_t>(64, 2 * old.size()), Slot());
+    for (const Slot& slot : old) {
+      if (slot.position != kFree) Place(slot);
+    }
+  }
+
+  std::vector<Slot> m_Slots;  // a power of two of them, at most half of them taken
+  size_t m_Count = 0;
+};
 
 /// One sorted index: positions of entries, kept sorted by a key.  Equal keys stand in the order in which they
 /// came.
@@ -36,7 +84,7 @@ class KeyIndex {
   size_t Size() const { return m_Slots.size(); }
   void Clear() {
     m_Slots.clear();
-    m_Pending.clear();
+    m_Pending.Clear();
   }
 
   /// Inserts a position behind its equals.  less(a, b) orders positions by their keys.
@@ -55,22 +103,18 @@ class KeyIndex {
     m_Slots.insert(m_Slots.begin() + static_cast<std::ptrdiff_t>(low), position);
   }
   /// Notes a position that Settle is to sort in, under the hash of its key.
-  void Postpone(uint32_t position, size_t hash) { m_Pending.emplace(hash, position); }
-  /// Calls matches(position) for the postponed positions of that hash, until it gives true.
-  template <class Matches>
-  bool FindPostponed(size_t hash, Matches matches) const {
-    const auto range = m_Pending.equal_range(hash);
-    return std::any_of(range.first, range.second, [&](const auto& entry) { return matches(entry.second); });
-  }
-  /// Sorts in, behind their equals, the positions from the present size up to `count`, all of them postponed.
-  template <class Less>
-  void Settle(size_t count, Less less) {
+  void Postpone(uint32_t position, uint64_t hash) { m_Pending.Add(hash, position); }
+  const HashedPositions& Postponed() const { return m_Pending; }
+  /// Sorts in, behind their equals, the positions from the present size up to `count`, all of them postponed:
+  /// sort(first, last) sorts them by themselves.
+  template <class Sort, class Less>
+  void Settle(size_t count, Sort sort, Less less) {
     const auto old = static_cast<std::ptrdiff_t>(m_Slots.size());
     m_Slots.reserve(count);
     while (m_Slots.size() < count) m_Slots.push_back(static_cast<uint32_t>(m_Slots.size()));
-    std::stable_sort(m_Slots.begin() + old, m_Slots.end(), less);
+    sort(m_Slots.begin() + old, m_Slots.end());
     std::inplace_merge(m_Slots.begin(), m_Slots.begin() + old, m_Slots.end(), less);
-    m_Pending.clear();
+    m_Pending.Clear();
   }
   /// Takes a position out; the others stay.
   void Erase(uint32_t position) {
@@ -90,7 +134,7 @@ class KeyIndex {
 
  private:
   std::vector<uint32_t> m_Slots;
-  std::unordered_multimap<size_t, uint32_t> m_Pending;  // positions not yet among the slots, by hash of key
+  HashedPositions m_Pending;  // positions not yet among the slots
 };
 
 /// A rule that entries of a library-wide list keep: `broken` tells whether `info` breaks it against the
@@ -170,7 +214,7 @@ class ListCore {
     }
     int found = kNone;
     if (slots.size() != m_Entries.size()) {
-      index.FindPostponed(Key::Hash(key), [&](uint32_t position) {
+      index.Postponed().Find(Key::Hash(key), [&](uint32_t position) {
         if (Key::Compare(key, Key::Of(m_Entries[position])) != 0) return false;
         found = static_cast<int>(position) + kFirst;
         return true;
@@ -263,7 +307,13 @@ class ListCore {
   }
   template <size_t... I>
   void Settle(std::index_sequence<I...>) {
-    (m_Indexes[I].Settle(m_Entries.size(), LessBy<std::tuple_element_t<I, Keys>>()), ...);
+    (Settle<std::tuple_element_t<I, Keys>>(m_Indexes[I]), ...);
+  }
+  template <class Key>
+  void Settle(KeyIndex& keys) {
+    const auto of = [this](uint32_t position) { return Key::Of(m_Entries[position]); };
+    keys.Settle(
+        m_Entries.size(), [&of](auto first, auto last) { Key::Sort(first, last, of); }, LessBy<Key>());
   }
   template <size_t... I>
   void InsertIntoIndexes([[maybe_unused]] uint32_t position, std::index_sequence<I...>) {

@@ -1,6 +1,10 @@
 // ListKeys.h: the keys that lists are searched by, and what every list does with them.
 #pragma once
 
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
 #include "orv/core/internal/Dump.h"
 #include "orv/core/internal/ListCore.h"
 #include "orv/core/internal/Text.h"
@@ -12,7 +16,15 @@ template <class Info, const char* (Info::*Get)() const>
 struct TextKey {
   static const char* Of(const Info& info) { return EmptyIfNull((info.*Get)()); }
   static int Compare(const char* a, const char* b) { return CompareIgnoringCase(a, b); }
-  static size_t Hash(const char* text) { return HashIgnoringCase(text); }
+  static uint64_t Hash(const char* text) { return HashIgnoringCase(text); }
+  template <class Of>
+  static void Sort(std::vector<uint32_t>::iterator first, std::vector<uint32_t>::iterator last, Of of) {
+    std::vector<NumberedText> texts;
+    texts.reserve(static_cast<size_t>(last - first));
+    for (auto at = first; at != last; ++at) texts.push_back({of(*at), *at});
+    SortIgnoringCase(texts);
+    for (const NumberedText& text : texts) *first++ = text.number;
+  }
 };
 
 /// A number of an entry.
@@ -20,7 +32,11 @@ template <class Info, int (Info::*Get)() const>
 struct NumberKey {
   static int Of(const Info& info) { return (info.*Get)(); }
   static int Compare(int a, int b) { return a > b ? 1 : a < b ? -1 : 0; }
-  static size_t Hash(int number) { return static_cast<size_t>(number); }
+  static uint64_t Hash(int number) { return static_cast<uint64_t>(number); }
+  template <class Of>
+  static void Sort(std::vector<uint32_t>::iterator first, std::vector<uint32_t>::iterator last, Of of) {
+    std::stable_sort(first, last, [&of](uint32_t a, uint32_t b) { return of(a) < of(b); });
+  }
 };
 
 /// Unique rules: a text that is not empty, or a number that is not 0, must not be taken by another entry.

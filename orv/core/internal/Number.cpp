@@ -10,28 +10,47 @@ namespace orv::internal {
 
 namespace {
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') < 10; }
 
-// Length of the decimal number that the text begins with; 0 when there is none.
-size_t DecimalLength(std::string_view text) {
-  size_t at = 0;
-  size_t digits = 0;
-  if (at < text.size() && (text[at] == '+' || text[at] == '-')) ++at;
-  for (; at < text.size() && IsDigit(text[at]); ++at) ++digits;
-  if (at < text.size() && text[at] == '.') {
-    ++at;
-    for (; at < text.size() && IsDigit(text[at]); ++at) ++digits;
-  }
-  if (digits == 0) return 0;
-  if (at < text.size() && (text[at] == 'e' || text[at] == 'E')) {
-    size_t exponent = at + 1;
-    if (exponent < text.size() && (text[exponent] == '+' || text[exponent] == '-')) ++exponent;
-    if (exponent < text.size() && IsDigit(text[exponent])) {
-      while (exponent < text.size() && IsDigit(text[exponent])) ++exponent;
-      at = exponent;
-    }
-  }
+const char* SkipDigits(const char* at, const char* end) {
+  while (at != end && IsDigit(*at)) ++at;
   return at;
+}
+
+// The decimal number, without sign, that a text begins with.
+struct Decimal {
+  const char* end;       // where it ends; where it begins when there is none
+  bool exact = false;    // the number is integer / 10^decimals, and both are exact as doubles
+  uint64_t integer = 0;  // its digits, but for zeros at the end of a fraction
+  size_t decimals = 0;   // those of them that stand behind the point
+};
+
+// The powers of ten that are exact as doubles, as far as 19 characters need them.
+constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
+                                   1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
+
+Decimal ScanDecimal(const char* begin, const char* end) {
+  const char* const point = SkipDigits(begin, end);
+  const bool hasPoint = point != end && *point == '.';
+  const char* const behind = hasPoint ? SkipDigits(point + 1, end) : point;
+  Decimal number = {behind};
+  if (behind - begin == (hasPoint ? 1 : 0)) return {begin};  // no digits
+  if (behind != end && (*behind == 'e' || *behind == 'E')) {
+    const char* exponent = behind + 1;
+    if (exponent != end && (*exponent == '+' || *exponent == '-')) ++exponent;
+    number.end = SkipDigits(exponent, end);
+    if (number.end != exponent) return number;
+    number.end = behind;  // no exponent
+  }
+  const char* last = behind;
+  while (hasPoint && last[-1] == '0') --last;
+  if (last - begin > 19) return number;  // more than 64 bits hold, perhaps
+  for (const char* at = begin; at != last; ++at) {
+    if (at != point) number.integer = number.integer * 10 + static_cast<uint64_t>(*at - '0');
+  }
+  number.decimals = last > point ? static_cast<size_t>(last - point - 1) : 0;
+  number.exact = number.integer <= uint64_t{1} << 53;
+  return number;
 }
 
 // Whether a number that fits no double is too small rather than too large.
@@ -64,20 +83,21 @@ bool IsTiny(std::string_view number) {
 }  // namespace
 
 double ReadDecimal(std::string_view text, size_t* end) {
-  const size_t length = DecimalLength(text);
-  if (end) *end = length;
-  if (length == 0) return 0.0;
-  const std::string_view number = text.substr(0, length);
-  const char* first = number.data();
-  const char* const last = first + length;
-  if (*first == '+') ++first;  // from_chars knows no plus sign
+  const char* const begin = text.data();
+  const bool negative = !text.empty() && *begin == '-';
+  const size_t sign = negative || (!text.empty() && *begin == '+') ? 1 : 0;
+  const char* const first = begin + sign;
+  const Decimal number = ScanDecimal(first, begin + text.size());
+  if (end) *end = number.end == first ? 0 : static_cast<size_t>(number.end - begin);
+  if (number.end == first) return 0.0;
   double value = 0.0;
-  const std::from_chars_result result = std::from_chars(first, last, value);
-  if (result.ec == std::errc::result_out_of_range) {
-    value = IsTiny(number) ? 0.0 : std::numeric_limits<double>::infinity();
-    if (number[0] == '-') value = -value;
+  if (number.exact) {
+    value = static_cast<double>(number.integer) / kPowersOfTen[number.decimals];  // rounded once [Cli90]
+  } else if (std::from_chars(first, number.end, value).ec == std::errc::result_out_of_range) {
+    const std::string_view magnitude(first, static_cast<size_t>(number.end - first));
+    value = IsTiny(magnitude) ? 0.0 : std::numeric_limits<double>::infinity();
   }
-  return value;
+  return negative ? -value : value;
 }
 
 int ReadInteger(std::string_view text) {

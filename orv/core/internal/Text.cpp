@@ -1,6 +1,7 @@
 #include "orv/core/internal/Text.h"
 
-#include <cstdint>
+#include <algorithm>
+#include <cstddef>
 
 #include "orv/core/Platform.h"
 
@@ -9,7 +10,7 @@ namespace orv::internal {
 int CompareIgnoringCase(const char* a, const char* b) {
   a = EmptyIfNull(a);
   b = EmptyIfNull(b);
-  while (*a != '\0' && FoldCase(*a) == FoldCase(*b)) {
+  while (*a != '\0' && (*a == *b || FoldCase(*a) == FoldCase(*b))) {
     ++a;
     ++b;
   }
@@ -18,10 +19,41 @@ int CompareIgnoringCase(const char* a, const char* b) {
   return left < right ? -1 : left > right ? 1 : 0;
 }
 
-size_t HashIgnoringCase(const char* text) {
-  uint64_t hash = 14695981039346656037u;  // FNV-1a, 64 bits
-  for (text = EmptyIfNull(text); *text != '\0'; ++text) hash = (hash ^ FoldCase(*text)) * 1099511628211u;
-  return static_cast<size_t>(hash);
+// Eight characters at a time: texts that share them are a group, which is sorted by the eight that follow.
+void SortIgnoringCase(std::vector<NumberedText>& texts) {
+  struct Rest {
+    uint64_t eight;  // the characters that the text is sorted by
+    std::string_view text;
+    uint32_t number;
+  };
+  struct Group {
+    size_t begin, end, depth;
+  };
+  std::vector<Rest> rests;
+  rests.reserve(texts.size());
+  for (const NumberedText& t : texts) rests.push_back({0, t.text, t.number});
+
+  std::vector<Group> groups = {{0, rests.size(), 0}};
+  while (!groups.empty()) {
+    const Group group = groups.back();
+    groups.pop_back();
+    const auto at = [&rests](size_t i) { return rests.begin() + static_cast<std::ptrdiff_t>(i); };
+    for (auto rest = at(group.begin); rest != at(group.end); ++rest) {
+      rest->eight = EightFolded(rest->text.substr(std::min(group.depth, rest->text.size())));
+    }
+    std::sort(at(group.begin), at(group.end), [](const Rest& a, const Rest& b) {
+      return a.eight != b.eight ? a.eight < b.eight : a.number < b.number;
+    });
+    for (size_t i = group.begin; i < group.end;) {
+      const uint64_t eight = rests[i].eight;
+      size_t end = i + 1;
+      while (end < group.end && rests[end].eight == eight) ++end;
+      const bool ended = (eight & 0xff) == 0;  // a text of bytes that are not 0 goes on otherwise
+      if (end - i > 1 && !ended) groups.push_back({i, end, group.depth + 8});
+      i = end;
+    }
+  }
+  for (size_t i = 0; i < texts.size(); ++i) texts[i] = {rests[i].text.data(), rests[i].number};
 }
 
 std::string FormatV(const char* format, std::va_list args) {

@@ -3,7 +3,10 @@
 
 #include <cstdarg>
 #include <cstddef>
+#include <cstdint>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace orv::internal {
 
@@ -17,11 +20,59 @@ constexpr unsigned char FoldCase(char c) {
 /// case (so "_" sorts before letters).  A null text counts as empty.
 int CompareIgnoringCase(const char* a, const char* b);
 
-/// A number that texts share which are equal without regard to case.  A null text counts as empty.
-size_t HashIgnoringCase(const char* text);
+/// The first eight characters of a text, folded, as one number that orders as they do: the first character
+/// counts most, and characters that a shorter text lacks are 0.
+constexpr uint64_t EightFolded(std::string_view text) {
+  uint64_t eight = 0;
+  if (text.size() >= 8) {
+    const auto at = [text](size_t i) {
+      return uint64_t{static_cast<unsigned char>(text[i])} << (56 - 8 * i);
+    };
+    eight = at(0) | at(1) | at(2) | at(3) | at(4) | at(5) | at(6) | at(7);  // one load
+  } else {
+    for (size_t i = 0; i < text.size(); ++i) {
+      eight |= uint64_t{static_cast<unsigned char>(text[i])} << (56 - 8 * i);
+    }
+  }
+  // Bit 7 of each byte below 128: whether it is at least 'A', and whether it is above 'Z'.
+  constexpr uint64_t kEach = 0x0101010101010101u;
+  const uint64_t low = eight & kEach * 0x7f;
+  const uint64_t fromA = low + kEach * (0x80 - 'A');
+  const uint64_t behindZ = low + kEach * (0x7f - 'Z');
+  return eight | (((fromA ^ behindZ) & ~eight & kEach * 0x80) >> 2);
+}
 
-inline bool EqualIgnoringCase(const char* a, const char* b) { return CompareIgnoringCase(a, b) == 0; }
+/// A number that texts share which are equal without regard to case.
+constexpr uint64_t HashIgnoringCase(std::string_view text) {
+  uint64_t hash = text.size();
+  for (size_t at = 0; at < text.size(); at += 8) {
+    hash = (hash ^ EightFolded(text.substr(at))) * 0x9e3779b97f4a7c15u;
+    hash ^= hash >> 32;
+  }
+  return hash;
+}
+
+/// A text and a number that goes with it.
+struct NumberedText {
+  const char* text;
+  uint32_t number;
+};
+/// Sorts by CompareIgnoringCase, equal texts by their numbers.
+void SortIgnoringCase(std::vector<NumberedText>& texts);
+
+inline bool EqualIgnoringCase(const char* a, const char* b) {
+  if (a && b && FoldCase(*a) != FoldCase(*b)) return false;  // most texts are told apart here
+  return CompareIgnoringCase(a, b) == 0;
+}
 inline bool EqualIgnoringCase(const std::string& a, const char* b) { return EqualIgnoringCase(a.c_str(), b); }
+/// Whole texts, which may hold bytes 0.
+constexpr bool EqualIgnoringCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t at = 0; at < a.size(); at += 8) {
+    if (EightFolded(a.substr(at)) != EightFolded(b.substr(at))) return false;
+  }
+  return true;
+}
 
 /// Null for an empty text, else its characters: the getters' way of saying "none".
 inline const char* NullIfEmpty(const std::string& text) { return text.empty() ? nullptr : text.c_str(); }

@@ -181,7 +181,7 @@ bool TableList<Info>::Load(const char* fileName, bool bThrowIfFileMissing) {
   Info entry;
   return internal::ReadEntries(
       reader, internal::kEntryTexts, ORV_TABLE_SITE, [&entry] { entry = Info(); },
-      [&](const std::string& key, const std::string& value) {
+      [&](std::string_view key, std::string_view value) {
         internal::KeyReader keys(key, value, reader, ORV_TABLE_SITE);
         Traits::Walk(keys, entry);
       },
