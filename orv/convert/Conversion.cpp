@@ -156,8 +156,7 @@ namespace {
 
 /// "source system 'EPSG:4326' (WGS 84)", as much of it as there is.
 std::string SideText(const char* side, const CSDef& system) {
-  const std::string token = system.GetToken(), name = system.GetName();
-  const std::string shortName = name.substr(name.rfind('|') + 1);
+  const std::string token = system.GetToken(), shortName = system.GetShortName();
   std::string text = std::string(side) + " system";
   if (!token.empty()) text += " '" + token + "'";
   if (!shortName.empty()) text += " (" + shortName + ")";

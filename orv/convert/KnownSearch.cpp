@@ -192,8 +192,7 @@ struct Candidate {
 int Score(const KnownEntry& entry, const std::vector<std::string>& words) {
   const std::string token = Folded(entry.token), name = Folded(entry.name), about = Folded(entry.about);
   const std::string code = entry.code != 0 ? std::to_string(entry.code) : "";
-  const size_t bar = name.rfind('|');
-  const std::string shortName = bar == std::string::npos ? name : name.substr(bar + 1);
+  const std::string shortName = internal::ShortNameOf(name.c_str());
   int score = 0;
   for (const std::string& word : words) {
     int best = WeightIn(shortName, word, WeightWord, WeightBegins, WeightPart);
@@ -267,12 +266,7 @@ constexpr size_t kLongestLikeness = 200;  // texts beyond are cut: nobody types 
 
 }  // namespace
 
-std::string KnownEntry::ShortName() const {
-  const size_t bar = name.rfind('|');
-  if (bar == std::string::npos) return name;
-  const size_t begin = name.find_first_not_of("| ", bar);
-  return begin == std::string::npos ? std::string() : name.substr(begin);
-}
+std::string KnownEntry::ShortName() const { return internal::ShortNameOf(name.c_str()); }
 
 std::vector<KnownEntry> ORVKnownEntries(KnownList list) {
   switch (list) {

@@ -89,13 +89,18 @@ bool BeginReplacement(const char* path, Replacement& replacement) {
   int descriptor = -1;
   for (int number = 0; descriptor < 0 && number < 1000; ++number) {
     replacement.temporary = folder + ".orv-save-" + std::to_string(::getpid()) + '-' + std::to_string(number);
-    descriptor = ::open(replacement.temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    descriptor =
+        ::open(replacement.temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, exists ? 0600 : 0666);
     if (descriptor < 0 && errno != EEXIST) return false;
   }
   if (descriptor < 0) return false;
-  // Only the owner of everything may give a file away: then the new one is the saver's own.
-  if (exists && ::fchown(descriptor, status.st_uid, status.st_gid) == 0) {
-    [[maybe_unused]] const int changed = ::fchmod(descriptor, status.st_mode & 07777);
+  if (exists) {
+    // Only the owner of everything may give a file away: else the new one is the saver's own, and a group that it does
+    // not keep gets no rights.  Nobody gains any.
+    const bool whole = ::fchown(descriptor, status.st_uid, status.st_gid) == 0;
+    const bool group = whole || ::fchown(descriptor, static_cast<uid_t>(-1), status.st_gid) == 0;
+    const mode_t kept = whole ? 07777 : group ? 0777 : 0707;
+    [[maybe_unused]] const int changed = ::fchmod(descriptor, status.st_mode & kept);
   }
   replacement.file = ::fdopen(descriptor, "wb");
   if (replacement.file) return true;

@@ -80,7 +80,8 @@ void ReadSettings() {
   reader.Open(path.c_str());
   while (reader.Next() && !reader.Token().empty()) {
     const std::string_view key = reader.Token();
-    if (!reader.Next() || reader.Token() != "=" || !reader.Next()) return;
+    if (!reader.Next() || reader.Token() != "=") return;
+    reader.Next();  // a value that the end of the file cuts off is empty
     for (const Setting& setting : kSettings) {
       if (internal::EqualIgnoringCase(key, setting.key)) setting.set(std::string(reader.Token()));
     }

@@ -32,7 +32,7 @@ std::string LasOf(const std::string& losName) {
 
 /// Failures of an archive are no failures of the library: loose grids may follow.
 void TraceTrouble(const std::string& name, const ZipReader& zip) {
-  Trace("%s: %s\n", name.c_str(), zip.Trouble());
+  if (*zip.Trouble() != '\0') Trace("%s: %s\n", name.c_str(), zip.Trouble());
 }
 
 }  // namespace
@@ -64,8 +64,12 @@ bool NadconUtility::LoadZippedGrids(const std::string& archive) {
     if (partner == members.end()) continue;
     const int k = partner->second;
     if (zip.UncompressedSize(k) != zip.UncompressedSize(i)) continue;
-    if (zip.ExtractToMemory(i, los) != ZipDone || zip.ExtractToMemory(k, las) != ZipDone) {
+    if (zip.ExtractToMemory(i, los) != ZipDone) {
       TraceTrouble(zip.Name(i), zip);
+      continue;
+    }
+    if (zip.ExtractToMemory(k, las) != ZipDone) {
+      TraceTrouble(zip.Name(k), zip);
       continue;
     }
     MemoryReader losReader(los.data(), los.size()), lasReader(las.data(), las.size());

@@ -474,7 +474,22 @@ std::vector<RingPlace> Nesting(const std::vector<std::vector<shr::Vec2d>>& rings
   struct Look {
     shr::Vec2d from;
     size_t ring;
-    std::vector<size_t> passed;  // the rings of the edges to the left
+    std::vector<size_t> passed;  // the rings of the edges to the left, but for pairs that have been cancelled
+    size_t room = 64;
+
+    // Drops pairs: what an even number of edges was passed of is not around.  What is left is sorted.
+    void Cancel() {
+      std::sort(passed.begin(), passed.end());
+      size_t kept = 0;
+      for (size_t i = 0; i < passed.size();) {
+        size_t end = i;
+        while (end < passed.size() && passed[end] == passed[i]) ++end;
+        if ((end - i) % 2 != 0) passed[kept++] = passed[i];
+        i = end;
+      }
+      passed.resize(kept);
+      room = 2 * kept + 64;
+    }
   };
   std::vector<Look> looks;
   for (size_t r = 0; r < rings.size(); ++r) {
@@ -489,7 +504,7 @@ std::vector<RingPlace> Nesting(const std::vector<std::vector<shr::Vec2d>>& rings
         from = shr::Vec2d(0.5 * (a.x + b.x), 0.5 * (a.y + b.y));
       }
     }
-    looks.push_back({from, r, {}});
+    looks.push_back({from, r, {}, 64});
   }
   std::sort(looks.begin(), looks.end(), [](const Look& a, const Look& b) { return a.from.y < b.from.y; });
   for (size_t r = 0; r < rings.size(); ++r) {
@@ -500,20 +515,17 @@ std::vector<RingPlace> Nesting(const std::vector<std::vector<shr::Vec2d>>& rings
                                    [](const Look& l, double y) { return l.from.y < y; });
       for (; look != looks.end() && look->from.y < high; ++look) {
         const double x = a.x + (look->from.y - a.y) / (b.y - a.y) * (b.x - a.x);
-        if (look->ring != r && x < look->from.x) look->passed.push_back(r);
+        if (look->ring == r || !(x < look->from.x)) continue;
+        look->passed.push_back(r);
+        if (look->passed.size() >= look->room) look->Cancel();
       }
     }
   }
   // Rings of which an odd number of edges is passed are around it.
   std::vector<std::vector<size_t>> around(rings.size());
   for (Look& look : looks) {
-    std::sort(look.passed.begin(), look.passed.end());
-    for (size_t i = 0; i < look.passed.size();) {
-      size_t end = i;
-      while (end < look.passed.size() && look.passed[end] == look.passed[i]) ++end;
-      if ((end - i) % 2 != 0) around[look.ring].push_back(look.passed[i]);
-      i = end;
-    }
+    look.Cancel();
+    around[look.ring] = std::move(look.passed);
   }
   std::vector<RingPlace> places(rings.size());
   for (size_t r = 0; r < rings.size(); ++r) {

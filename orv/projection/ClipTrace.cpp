@@ -34,21 +34,41 @@ class Tracer {
   void Run() {
     m_Gap.points.clear();
     if (m_Gap.bStraight) return;
-    Stop last = {m_Gap.from, m_Gap.s0};
-    const bool bUp = m_Gap.s1 >= m_Gap.s0;
-    if (m_Rim.HasCorners()) {
-      double corner = bUp ? std::floor(m_Gap.s0) + 1.0 : std::ceil(m_Gap.s0) - 1.0;
-      for (; bUp ? corner < m_Gap.s1 : corner > m_Gap.s1; corner += bUp ? 1.0 : -1.0) {
-        const Stop stop = {m_Rim.InsideAt(m_Gap.piece, corner), corner};
-        Leg(last, stop, 0);
-        m_Gap.points.push_back(stop.at);
-        last = stop;
-      }
+    const Stop from = {m_Gap.from, m_Gap.s0}, to = {m_Gap.to, m_Gap.s1};
+    // The probes of the whole gap stand in the ring wherever they lie on the gap in order; parts come between them.
+    std::vector<shr::Vec2d> found;
+    FollowClipEdge(m_Area, &from.at, &to.at, found, m_Options.probes);
+    std::vector<Stop> stops = {from};
+    if (!Place(from, to, found, stops)) stops = {from};
+    stops.push_back(to);
+    for (size_t i = 0; i + 1 < stops.size(); ++i) {
+      if (i > 0) m_Gap.points.push_back(stops[i].at);
+      if (!IsClose({stops[i], stops[i + 1]})) FromCornerToCorner(stops[i], stops[i + 1]);
     }
-    Leg(last, {m_Gap.to, m_Gap.s1}, 0);
   }
 
  private:
+  // The points between two stops, with the corners among them.
+  void FromCornerToCorner(const Stop& from, const Stop& to) {
+    Stop last = from;
+    ForCorners(from.s, to.s, [&](double corner) {
+      const Stop stop = {m_Rim.InsideAt(m_Gap.piece, corner), corner};
+      Leg(last, stop, 0);
+      m_Gap.points.push_back(stop.at);
+      last = stop;
+    });
+    Leg(last, to, 0);
+  }
+
+  // Calls visit(s) for each corner strictly between two places, in their direction.
+  template <class Visit>
+  void ForCorners(double s0, double s1, Visit visit) const {
+    if (!m_Rim.HasCorners()) return;
+    const bool bUp = s1 >= s0;
+    double corner = bUp ? std::floor(s0) + 1.0 : std::ceil(s0) - 1.0;
+    for (; bUp ? corner < s1 : corner > s1; corner += bUp ? 1.0 : -1.0) visit(corner);
+  }
+
   // The points between two stops.
   void Leg(const Stop& from, const Stop& to, int depth) {
     std::vector<shr::Vec2d> found;
@@ -93,12 +113,16 @@ class Tracer {
       if (length > std::min(m_Options.step, m_Rim.LongestEdge())) return false;
       const double toSingular = std::min(m_Rim.ToSingular(a.at), m_Rim.ToSingular(b.at));
       if (length > std::max(kShort, m_Options.approach * toSingular)) return false;
-      for (double part : {0.25, 0.5, 0.75}) {
-        const shr::Vec2d rim = m_Rim.At(m_Gap.piece, a.s + part * (b.s - a.s), kSample);
+      bool bStrays = false;
+      const auto look = [&](double s) {
+        const shr::Vec2d rim = m_Rim.At(m_Gap.piece, s, kSample);
         // The ends themselves lie up to the crossings' tolerance inside.
-        if (DistanceToEdge(rim, a.at, b.at) > std::min(m_Gap.tolerance, m_Rim.Fineness()) + kShort)
-          return false;
-      }
+        const double most = std::min(m_Gap.tolerance, m_Rim.Fineness()) + kShort;
+        bStrays = bStrays || DistanceToEdge(rim, a.at, b.at) > most;
+      };
+      for (double part : {0.25, 0.5, 0.75}) look(a.s + part * (b.s - a.s));
+      ForCorners(a.s, b.s, look);
+      if (bStrays) return false;
     }
     return true;
   }
@@ -188,6 +212,61 @@ class EdgeGrid {
   std::vector<std::vector<size_t>> m_Cells;
 };
 
+// What lies between the trace of a gap and the rim itself.
+class Sliver {
+ public:
+  Sliver(const ClipRim& rim, const ClipGap& gap) : m_Loop(gap.points) {
+    m_Loop.insert(m_Loop.begin(), gap.from);
+    m_Loop.push_back(gap.to);
+    // Back along the rim: a side of a rectangle is straight, a curve is taken in steps of a quarter of a degree.
+    const double step = rim.HasCorners() ? 1.0 : 0.25;
+    const bool bUp = gap.s0 >= gap.s1;  // the direction of the way back
+    double s = (bUp ? std::floor(gap.s1 / step) + 1.0 : std::ceil(gap.s1 / step) - 1.0) * step;
+    for (; bUp ? s < gap.s0 : s > gap.s0; s += bUp ? step : -step)
+      m_Loop.push_back(rim.At(gap.piece, s, 0.0));
+    for (const shr::Vec2d& p : m_Loop) m_Box.Add(p);
+  }
+
+  const ClipBox& Box() const { return m_Box; }
+  /// By the even-odd rule.
+  bool Holds(const shr::Vec2d& at) const {
+    if (!(at.x >= m_Box.low.x && at.x <= m_Box.high.x)) return false;
+    bool bInside = false;
+    for (size_t i = 0; i < m_Loop.size(); ++i) {
+      const shr::Vec2d &a = m_Loop[i], &b = m_Loop[(i + 1) % m_Loop.size()];
+      if ((a.y > at.y) == (b.y > at.y)) continue;
+      if (at.x < a.x + (at.y - a.y) / (b.y - a.y) * (b.x - a.x)) bInside = !bInside;
+    }
+    return bInside;
+  }
+
+ private:
+  std::vector<shr::Vec2d> m_Loop;
+  ClipBox m_Box;
+};
+
+// Calls mark(gap) for each gap between whose trace and the rim a whole ring lies.  (Of others a run ends on the rim.)
+template <class Mark>
+void MarkPassedRings(const ClipRim& rim, const std::vector<ClipGap>& gaps,
+                     const std::vector<ClipChain>& chains, Mark mark) {
+  std::vector<shr::Vec2d> rings;  // a point of each, by latitude
+  for (const ClipChain& chain : chains) {
+    if (chain.bClosed) rings.push_back(chain.points[0]);
+  }
+  std::sort(rings.begin(), rings.end(), [](const shr::Vec2d& a, const shr::Vec2d& b) { return a.y < b.y; });
+  for (size_t i = 0; i < gaps.size() && !rings.empty(); ++i) {
+    if (gaps[i].bStraight) continue;
+    const Sliver sliver(rim, gaps[i]);
+    auto ring = std::lower_bound(rings.begin(), rings.end(), sliver.Box().low.y,
+                                 [](const shr::Vec2d& p, double y) { return p.y < y; });
+    for (; ring != rings.end() && ring->y <= sliver.Box().high.y; ++ring) {
+      if (!sliver.Holds(*ring)) continue;
+      mark(i);
+      break;
+    }
+  }
+}
+
 std::vector<TracedEdge> EdgesOf(const std::vector<ClipGap>& gaps) {
   std::vector<TracedEdge> edges;
   for (size_t i = 0; i < gaps.size(); ++i) {
@@ -221,6 +300,7 @@ void SeparateGaps(const ClipArea& area, const ClipRim& rim, const ClipOptions& o
       if (chain.bClosed) grid.Query(chain.points[chain.count - 1], chain.points[0], kNone, mark);
     }
     for (const TracedEdge& e : grid.Edges()) grid.Query(e.a, e.b, e.gap, mark);
+    MarkPassedRings(rim, gaps, chains, mark);
     bool bAny = false;
     for (size_t i = 0; i < gaps.size(); ++i) {
       ClipGap& gap = gaps[i];

@@ -71,7 +71,8 @@ bool LineByPoints(const ProjectionParameters& p, double e, double B, double D, d
   const double H = std::pow(SmallT(e, p.Lat1), B);                   // (9-16)
   const double L = std::pow(SmallT(e, p.Lat2), B);                   // (9-17)
   const double F = H == 0.0 ? kLargest : line.E / H;                 // (9-18)
-  const double G = (F - 1.0 / F) / 2.0;                              // (9-19)
+  if (F == 0.0) return FailOnZeroTerm(__LINE__);  // the centre at the south pole: G would be infinite
+  const double G = (F - 1.0 / F) / 2.0;           // (9-19)
   const double E2 = line.E * line.E;
   if (E2 + L * H == 0.0) return FailOnZeroTerm(__LINE__);
   const double J = (E2 - L * H) / (E2 + L * H);  // (9-20)

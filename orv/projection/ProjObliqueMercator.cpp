@@ -20,6 +20,7 @@ bool SetUp(ProjectionParameters& radians, ObliqueMercator& c) {
   // (9-1): the pole of the oblique graticule
   const double lambdaP = std::atan2(cos1 * sin2 * std::cos(lambda1) - sin1 * cos2 * std::cos(lambda2),
                                     sin1 * cos2 * std::sin(lambda2) - cos1 * sin2 * std::sin(lambda1));
+  // Deliberate: with the first point on the Equator there is no set-up, although there is a pole.
   const double tan1 = std::tan(radians.Lat1);
   if (tan1 == 0.0) {
     return ORV_FAIL(ErrCorrupt,

@@ -99,8 +99,11 @@ class ORV_API Projector {
   /// Each connected piece comes in one call: its outer ring, then its holes, orientation kept.  A polygon
   /// wholly inside comes in one call, its rings unchanged; one that contains the whole usable area yields the
   /// area's own rim.  Rings of fewer than three edges never come.  The rim between two crossings is traced with
-  /// five probes; where they cannot follow it (around a corner, the long way around a cap) or their chords
-  /// would cut off a part of the polygon, in more parts than one.  The second callback receives what is to be
+  /// five probes, which stand in the ring wherever they lie between the two on the rim.  More points come between
+  /// them only where a chord would stray from the rim by more than 2 degrees (0.08 around the cap that Azimuthal
+  /// Equidistant leaves out, whose edges are at most 10 degrees long; and no edge is longer than its distance to
+  /// the two points that Cassini shows as lines), or would cut off or pass by a part of the polygon; a gap whose
+  /// probes lie elsewhere is halved until they do not.  The second callback receives what is to be
   /// stroked: the visible part of each ring, without traced rim.  When a ring has a shift the shifted polygon
   /// is clipped as well, in addition; the first ring that has one decides.
   ///

@@ -44,12 +44,7 @@ bool CSDef::Check(std::string& why) const {
 
 CSType CSDef::Type() const { return m_Type; }
 
-std::string CSDef::GetShortName() const {
-  const size_t bar = m_Name.rfind('|');
-  if (bar == std::string::npos) return m_Name;
-  const size_t begin = m_Name.find_first_not_of("| ", bar);
-  return begin == std::string::npos ? std::string() : m_Name.substr(begin);
-}
+std::string CSDef::GetShortName() const { return internal::ShortNameOf(m_Name.c_str()); }
 
 const char* CSDef::WarpPresenceDiffers(const CSDef& first, const CSDef& second) {
   if (first.HasWarp() && !second.HasWarp()) return "First system has warp and second system doesn't.";

@@ -21,7 +21,7 @@ namespace {
 class Entry {
  public:
   explicit Entry(std::unique_ptr<CSDef> system)
-      : m_pSystem(std::move(system)), m_ShortName(ShortNameOf(*m_pSystem)) {}
+      : m_pSystem(std::move(system)), m_ShortName(internal::ShortNameOf(m_pSystem->GetName())) {}
   Entry(const Entry& other) : Entry(std::unique_ptr<CSDef>(other.m_pSystem->Clone())) {}
   Entry(Entry&&) noexcept = default;
   Entry& operator=(const Entry& other) {
@@ -36,14 +36,6 @@ class Entry {
   const char* GetShortName() const { return m_ShortName; }
 
  private:
-  /// As CSDef::GetShortName has it, within the name.  (A name read from a file may hold bytes 0: it ends at the
-  /// first for all who ask.)
-  static const char* ShortNameOf(const CSDef& system) {
-    const char* const name = system.GetName();
-    const char* const bar = std::strrchr(name, '|');
-    return bar ? bar + std::strspn(bar, "| ") : name;
-  }
-
   std::unique_ptr<CSDef> m_pSystem;
   const char* m_ShortName;  // within the system's name, which never changes in the list
 };

@@ -199,9 +199,13 @@ void EllipsoidList::Flush() { m_pImpl->core.Clear(); }
 void EllipsoidList::CopyAll(const EllipsoidList& other) { *m_pImpl = *other.m_pImpl; }
 
 bool EllipsoidList::Load(const char* fileName, bool bThrowIfFileMissing) {
+  const std::string name = internal::EmptyIfNull(fileName);  // may belong to an entry of this list
   Flush();
   ConfigFileReader reader;
-  if (!internal::OpenListFile(reader, kFile, fileName, bThrowIfFileMissing, ORV_SITE)) return false;
+  if (!internal::OpenListFile(reader, kFile, fileName ? name.c_str() : nullptr, bThrowIfFileMissing,
+                              ORV_SITE)) {
+    return false;
+  }
   const bool known = this == &ORVKnownEllipsoidsList;
   const auto complain = [&reader](const char* message) {
     return ORV_FAIL(ErrSyntax, message, reader.FileName(), reader.Line());

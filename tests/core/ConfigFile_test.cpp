@@ -486,6 +486,25 @@ TEST(ConfigFileWriter, AFileWithoutAnOldOneGetsTheUsualRights) {
   EXPECT_EQ(static_cast<int>(std::filesystem::status(folder.Path("x")).permissions()), 0640);
 }
 
+TEST(ConfigFileWriter, ASaverWhoMayNotGiveTheFileAwayWidensNobodysRights) {
+  namespace fs = std::filesystem;
+  if (geteuid() != 0) GTEST_SKIP() << "only root can play another user";
+  const TempFolder folder;
+  const std::string path = folder.Write("x", "old");
+  fs::permissions(folder.Path(), fs::perms::all);
+  ASSERT_EQ(chmod(path.c_str(), 0606), 0);
+  ASSERT_EQ(chown(path.c_str(), 1, 1), 0);
+  ASSERT_EQ(setegid(2), 0);
+  ASSERT_EQ(seteuid(2), 0);
+  ConfigFileWriter writer;
+  const bool opened = writer.Open(path.c_str());
+  if (opened) writer.Close();
+  ASSERT_EQ(seteuid(0), 0);
+  ASSERT_EQ(setegid(0), 0);
+  EXPECT_TRUE(opened);
+  EXPECT_EQ(static_cast<int>(fs::status(path).permissions()), 0606);
+}
+
 TEST(ConfigFileWriter, AFolderThatTakesNoFilesIsReported) {
   const TempFolder folder;
   const std::string path = folder.Write("x", "old");

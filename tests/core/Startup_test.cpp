@@ -328,7 +328,7 @@ TEST_F(Settings, WhatIsNoPairEndsTheFile) {
   Expect("EnableCSMIFaceForProjection : true\nEnableCSMIFaceForDatumConversion=true", false, false);
   Expect("\"\" EnableCSMIFaceForDatumConversion=true", false, false);
   Expect("EnableCSMIFaceForProjection=true\nEnableCSMIFaceForDatumConversion", true, false);
-  Expect("EnableCSMIFaceForProjection=true\nEnableCSMIFaceForDatumConversion=", true, true, true);
+  Expect("EnableCSMIFaceForProjection=true\nEnableCSMIFaceForDatumConversion=", true, false, true);
   Expect("", true, true, true);
 }
 

@@ -160,3 +160,11 @@ TEST(Text, FormatsAsTheCLocaleWould) {
   std::snprintf(before, sizeof before, "%.1f", 1.5);
   EXPECT_STREQ(before, "1,5") << "the host's own locale stays";
 }
+
+TEST(Text, ShortNamesStandBehindTheLastBar) {
+  EXPECT_STREQ(ShortNameOf("UTM|WGS 84|WGS 84 / UTM zone 33N"), "WGS 84 / UTM zone 33N");
+  EXPECT_STREQ(ShortNameOf("plain"), "plain");
+  EXPECT_STREQ(ShortNameOf("World| Spaced"), "Spaced");
+  EXPECT_STREQ(ShortNameOf("Group|| "), "");
+  EXPECT_STREQ(ShortNameOf(""), "");
+}

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "orv/datum/DatumList.h"
+#include "orv/system/CSList.h"
 #include "orv/tables/AngularUnits.h"
 #include "orv/tables/EllipsoidList.h"
 #include "orv/tables/LinearUnits.h"
@@ -37,7 +38,8 @@ struct ListRow {
   const char* unit;
   const char* text;  // in front of the quoted path
   std::function<bool(const char* path, bool report)> load;
-  bool always;  // reported even when missing files are not to be
+  bool always;               // reported even when missing files are not to be
+  const char* content = "";  // of a file that loads
 };
 
 template <class List>
@@ -57,7 +59,8 @@ class UnopenableFiles : public ::testing::TestWithParam<ListRow> {
 };
 
 TEST_P(UnopenableFiles, AreReportedWithTheLocatedPath) {
-  ASSERT_TRUE(GetParam().load(m_Path.c_str(), true)) << "an empty file is an empty list";
+  m_Folder.Write("list.ocf", GetParam().content);
+  ASSERT_TRUE(GetParam().load(m_Path.c_str(), true));
   g_CallsToFailure = 2;
   EXPECT_RAISES(GetParam().load(m_Path.c_str(), true), ErrFileMissing, GetParam().unit,
                 GetParam().text + ("'" + m_Path + "'"));
@@ -84,7 +87,9 @@ INSTANTIATE_TEST_SUITE_P(
                       ListRow{"EllipsoidList", "Failed opening ellipsoid configuration file ",
                               LoaderOf<EllipsoidList>(), false},
                       ListRow{"DatumList", "Failed opening datum configuration file ", LoaderOf<DatumList>(),
-                              true}),
+                              true},
+                      ListRow{"CSList", "Failed opening coordinate systems configuration file ",
+                              LoaderOf<CSList>(), false, "{ type=unref token=T name=N }"}),
     [](const auto& row) { return std::string(row.param.unit); });
 
 }  // namespace

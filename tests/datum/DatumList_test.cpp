@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -654,6 +655,18 @@ TEST_F(DatumListTest, DumpShowsEntriesAndIndexes) {
       "   1:     0 (POSC=20)\n";
   ASSERT_GT(text.size(), indexes.size());
   EXPECT_EQ(indexes, text.substr(text.size() - indexes.size()));
+}
+
+TEST(DatumList, TheDefaultFileIsSavedInTheWorkingDirectory) {
+  const test::TempFolder folder;
+  const std::filesystem::path before = std::filesystem::current_path();
+  DatumList list;
+  list.Add(Named(Make{DatumMethodNone, DatumTargetWGS84, DatumTargetWGS84}, "W", "WGS"), 0);
+  ASSERT_TRUE(list.Save(folder.Path("named.ocf").c_str()));
+  std::filesystem::current_path(folder.Path());
+  EXPECT_TRUE(list.Save(nullptr));
+  std::filesystem::current_path(before);
+  EXPECT_EQ(folder.Read("datum.ocf"), folder.Read("named.ocf"));
 }
 
 }  // namespace

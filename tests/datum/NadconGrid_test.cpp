@@ -11,6 +11,9 @@
 #include <vector>
 
 #include "orv/core/ORVGlobals.h"
+#include "orv/core/Platform.h"
+#include "orv/core/Startup.h"
+#include "orv/core/internal/Globals.h"
 #include "orv/core/internal/Marker.h"
 #include "orv/datum/DatumConverter.h"
 #include "orv/datum/GridFiles.h"
@@ -571,6 +574,43 @@ TEST_F(NadconConversion, TheFolderBesideAnInstalledCatalogueIsSearched) {
   EXPECT_NO_THROW(Convert(m_Nad27, m_Nad83, points));
   ASSERT_EQ(0, unsetenv("ORV_CONFIG_PATH"));
   EXPECT_NEAR(-97.25 - 206.0 / 1024, points[0].x, 1e-12);
+}
+
+TEST(NadconGrid, EqualResidualsLeaveTheGuess) {  // a shift that swallows the first step
+  NadconGrid grid;
+  ASSERT_TRUE(Initialize(grid, Constant({}, 3.6e30F), Constant({}, 3.6e30F)));
+  Vec2d point(-97.25, 40.125);
+  grid.Inverse(point);
+  EXPECT_EQ(-97.25 + 1e-7, point.x);
+  EXPECT_EQ(40.125 + 1e-7, point.y);
+}
+
+TEST_F(NadconConversion, TheUsualPlacesAreTheModulesFolderTheConfigurationPathAndTheCatalogues) {
+  const std::string before = Globals().configPath;
+  m_Folder.Write("datum.ocf", "");
+  setenv("ORV_CONFIG_PATH", m_Folder.Path().c_str(), 1);
+  ORVSetNadconGridPath(nullptr);
+  ORVSetConfigPath("/c");
+  const std::vector<std::string> folders = internal::NadconFolders();
+  ORVSetConfigPath(before.c_str());
+  unsetenv("ORV_CONFIG_PATH");
+  ASSERT_EQ(folders.size(), 3U);
+  EXPECT_EQ(std::filesystem::path(folders[0]), std::filesystem::path(platform::ModulePath()).parent_path());
+  EXPECT_EQ(folders[1], "/c");
+  EXPECT_EQ(folders[2], m_Folder.Path() + "/grids");
+}
+
+TEST_F(NadconConversion, TroubleWithAnArchiveIsTracedAndLooseFilesAreTried) {
+  WritePair("loose");
+  const std::string archive = m_Folder.Write("NADGRIDS.ZIP", "no archive");
+  std::vector<std::string> lines;
+  ORVSetTraceCallback([](const char* line,
+                         void* context) { static_cast<std::vector<std::string>*>(context)->push_back(line); },
+                      &lines);
+  NadconUtility grids;
+  EXPECT_TRUE(grids.LoadGrids(m_Folder.Path()));
+  ORVSetTraceCallback(nullptr, nullptr);
+  EXPECT_EQ(lines, std::vector<std::string>{archive + ": Too small to be a valid ZIP file!\n"});
 }
 
 }  // namespace

@@ -130,6 +130,20 @@ TEST(Hotine, SetUpFailuresHaveTheirTexts) {
   EXPECT_RAISES(MakeEngine(ByPoints(0, -120, 0, -80, 30)), 1026, "ProjHotine", kZeroTerm);
   // F is 0 at the south pole, where D - sqrt(D^2 - 1) vanishes in doubles.
   EXPECT_RAISES(MakeEngine(ByAzimuth(10, -90, 30)), 1026, "ProjHotine", kZeroTerm);
+  std::feclearexcept(FE_ALL_EXCEPT);
+  EXPECT_RAISES(MakeEngine(ByPoints(-90, -120, -30, -80, -50)), 1026, "ProjHotine", kZeroTerm);
+  EXPECT_EQ(std::fetestexcept(FE_DIVBYZERO | FE_INVALID), 0);
+}
+
+// Deliberate: t of the south pole is 1.1920928955078125e-07, and F is 3.4028234663852886e38 where H is 0.  Expected
+// values: equations (9-11) to (9-31) written out in Python, with these two numbers.
+TEST(Hotine, APoleAsFirstPointTakesTheSubstitutes) {
+  std::feclearexcept(FE_ALL_EXCEPT);
+  ExpectNear(Forward(*MakeEngine(ByPoints(-40, 20, -90, 35, -50)), InRadians({25, -45})), -5046210.61180779,
+             -788165.4747063352, 1e-6);
+  ExpectNear(Forward(*MakeEngine(ByPoints(40, 20, 90, 35, 50)), InRadians({25, 45})), 5046210.686167157,
+             -788165.5228644477, 1e-6);
+  EXPECT_EQ(std::fetestexcept(FE_DIVBYZERO | FE_INVALID), 0);
 }
 
 TEST(Hotine, AFailedSetUpIsThatOfTheProjectorToo) {

@@ -689,4 +689,64 @@ TEST(ProjCSegList, ClassifyingCutsAndGoesOnBehindTheCut) {
   EXPECT_EQ(list[1].end.x, 190.0);
 }
 
+// The last chord of the five probes runs from latitude -55.8 to -55.5 there and the rim from -56.5 to -56.3: the lake
+// lies between them.
+TEST(ProjectionClip, AChordNeverPassesALakeBy) {
+  Area area(ProjectionMethodOrthographic, &internal::InsideHemisphere, 0.0, 30.0);
+  const Line lake = Backward(Box(29.2, -56.2, 30.2, -55.95));
+  const Clipped c = ClipRings(area.projector, {Box(-40, -85, 40, 0), lake});
+  ASSERT_EQ(c.polygons.size(), 1u);
+  ASSERT_EQ(c.polygons[0].size(), 2u);
+  EXPECT_TRUE(SamePoints(c.polygons[0][1], lake));
+}
+
+// 3000 teeth side by side, each of which is a piece of its own, and each look for what is around one passes all others.
+TEST(ProjectionClip, ManyPiecesSideBySideAreSeparate) {
+  std::vector<Line> teeth;
+  for (int i = 0; i < 3000; ++i) teeth.push_back(Box(0.01 * i, 0.0, 0.01 * i + 0.005, 1.0));
+  const std::vector<internal::RingPlace> places = internal::Nesting(teeth);
+  for (const internal::RingPlace& place : places) EXPECT_FALSE(place.bHole);
+  teeth.push_back(Box(-1.0, -1.0, 31.0, 2.0));  // around all of them
+  const std::vector<internal::RingPlace> within = internal::Nesting(teeth);
+  for (size_t i = 0; i + 1 < within.size(); ++i) EXPECT_EQ(within[i].parent, 3000) << i;
+}
+
+// The five points of the whole gap stand in the ring as FollowClipEdge gives them.
+TEST(ProjectionClip, TheFiveProbesOfAGapStandInTheRing) {
+  const struct {
+    ProjectionMethod method;
+    AreaOnly::Test test;
+    double lon, lat;
+    Line ring;
+  } rows[] = {
+      {ProjectionMethodMercator, &internal::InsideWindow, 0.0, 0.0, Box(150, 20, 210, 40)},  // one side
+      {ProjectionMethodOrthographic, &internal::InsideHemisphere, 0.0, 30.0,
+       Box(-40, -85, 40, 0)},  // the rim bends
+      {ProjectionMethodOrthographic, &internal::InsideHemisphere, 20.0, -10.0, Box(60, -40, 140, 30)},
+      {ProjectionMethodAzimuthalEquidistant, &internal::InsideAzimuthalEquidistant, 0.0, 40.0,
+       Box(150, -60, 178, -40)},
+  };
+  for (const auto& row : rows) {
+    Area area(row.method, row.test, row.lon, row.lat);
+    const Clipped c = ClipRings(area.projector, {row.ring});
+    ASSERT_EQ(c.polygons.size(), 1u) << row.method;
+    ASSERT_EQ(c.lines.size(), 1u) << row.method;
+    const shr::Vec2d exit = c.lines[0].back(), entry = c.lines[0].front();
+    const internal::ClipArea clip(area.actor,
+                                  *internal::ProjectorAccess::Projection(area.projector).GetParameters());
+    std::vector<shr::Vec2d> five;
+    ASSERT_TRUE(internal::FollowClipEdge(clip, &exit, &entry, five, 5));
+    EXPECT_EQ(five.size(), 5u) << row.method;
+    const Line& ring = c.polygons[0][0];
+    auto at = std::find_if(ring.begin(), ring.end(),
+                           [&](const shr::Vec2d& p) { return p.x == exit.x && p.y == exit.y; });
+    ASSERT_NE(at, ring.end()) << row.method;
+    for (const shr::Vec2d& probe : five) {
+      at =
+          std::find_if(at, ring.end(), [&](const shr::Vec2d& p) { return p.x == probe.x && p.y == probe.y; });
+      ASSERT_NE(at, ring.end()) << row.method << ": " << probe.x << ", " << probe.y;
+    }
+  }
+}
+
 }  // namespace orv::test

@@ -276,6 +276,7 @@ TEST(CSList, ANameThatHoldsAByte0EndsThere) {
   ASSERT_TRUE(LoadText(list, folder, std::string("{ token=T name='g|n\0 and more|than it seems' }", 46)));
   EXPECT_EQ(list.FindByShortName("n"), 2);
   EXPECT_EQ(list.FindByName("g|n"), 2);
+  EXPECT_EQ(list.Enum(2)->GetShortName(), "n");
 }
 
 TEST(CSList, NullAndEmptyTextsAreNeverFound) {

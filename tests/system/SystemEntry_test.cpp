@@ -413,5 +413,27 @@ TEST_F(SystemEntry, WhatIsWrittenReadsBack) {
       100));
 }
 
+TEST_F(SystemEntry, AnAngleThatIsNoneIsAPlainNumber) {
+  const OpenOrv system = Orv("proj=Mercator ellipsoid=BESSEL lon0=1e1 lat0=2d30mS");
+  EXPECT_EQ(system.GetProjection()->GetParameter(ProjectionParameterIDLon0), 10.0);
+  EXPECT_EQ(system.GetProjection()->GetParameter(ProjectionParameterIDLat0), -2.5);
+}
+
+TEST_F(SystemEntry, ADatumWithoutMethodIsWrittenByItsTexts) {  // values of 0 could not be read again
+  DatumDef bare;
+  bare.SetToken("D");
+  bare.SetName("N");
+  EXPECT_EQ(Written(ORVDef(&bare, nullptr, nullptr)),
+            "   token=\"\"\n   name=\"\"\n   datum_token=\"D\"\n   datum_name=\"N\"\n}\n");
+}
+
+TEST_F(SystemEntry, AnInverseFlagMakesADatumDifferFromTheKnownOneAndIsNotWritten) {
+  DatumDef turned = test::Wgs84Datum();
+  turned.SetParameter(DatumParameterIDInverse, 1);
+  const std::string text = Written(ORVDef(&turned, nullptr, nullptr));
+  EXPECT_EQ(text.find("datum=\""), std::string::npos) << text;
+  EXPECT_EQ(text.find("datum_inverse"), std::string::npos) << "deliberate: never written";
+}
+
 }  // namespace
 }  // namespace orv

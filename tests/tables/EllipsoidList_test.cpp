@@ -5,6 +5,7 @@
 #include <cmath>
 #include <filesystem>
 #include <limits>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -620,4 +621,42 @@ TEST(EllipsoidList, ADecimalCommaOfTheHostChangesNothing) {
   std::string dump;
   list.DebugDump(dump, 0);
   EXPECT_EQ(dump, dumpBefore);
+}
+
+TEST(EllipsoidList, TheNameOfAFileMayBeATextOfTheListsOwn) {
+  const TempFolder folder;
+  const std::string path = folder.Path("of its own.ocf");  // longer than what a string keeps in itself
+  folder.Write("of its own.ocf", "{ token=\"" + path + "\" name=n radius=1 }");
+  EllipsoidList list;
+  ASSERT_TRUE(list.Load(path.c_str(), true));
+  EXPECT_TRUE(list.Load(list.EnumToken(list.First()), true));
+  EXPECT_EQ(list.Count(), 1);
+}
+
+// What a file keeps: a radius to four decimals and a flattening to nineteen digits of its inverse.
+TEST(EllipsoidList, RandomListsComeBackFromTheirFile) {
+  std::mt19937_64 random(20261121);
+  const TempFolder folder;
+  for (int round = 0; round < 20; ++round) {
+    EllipsoidList list;
+    for (int i = 0; i < 10; ++i) {
+      EllipsoidDef ellipsoid;
+      ellipsoid.SetToken(("token " + std::to_string(i)).c_str());
+      ellipsoid.SetName(("name; { } = " + std::to_string(i) + " " + std::to_string(random() % 1000)).c_str());
+      ellipsoid.SetMajorRadius(static_cast<double>(1 + random() % 100000000000) / 10000.0);
+      ellipsoid.SetFlattening(static_cast<double>(random() % 1000001) / 2e6);
+      ASSERT_NE(list.Add(ellipsoid), 0);
+    }
+    const std::string path = folder.Path("list.ocf");
+    ASSERT_TRUE(list.Save(path.c_str()));
+    EllipsoidList again;
+    ASSERT_TRUE(again.Load(path.c_str(), true));
+    ASSERT_EQ(again.Count(), list.Count());
+    for (int i = list.First(); i <= list.Last(); ++i) {
+      EXPECT_STREQ(again.EnumToken(i), list.EnumToken(i));
+      EXPECT_STREQ(again.EnumName(i), list.EnumName(i));
+      EXPECT_EQ(again.EnumRadius(i), list.EnumRadius(i));
+      EXPECT_NEAR(again.EnumFlattening(i), list.EnumFlattening(i), 1e-16 * list.EnumFlattening(i));
+    }
+  }
 }

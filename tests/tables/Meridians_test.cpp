@@ -547,3 +547,13 @@ TEST(Meridians, ADecimalCommaOfTheHostChangesNothing) {
   EXPECT_EQ(Saved(ThreeMeridians()), kThreeSaved);
   EXPECT_EQ(Loaded("lon=2d20m14.025sE").longitude, 2 + 20 / 60.0 + 14.025 / 3600);
 }
+
+TEST(Meridians, TheNameOfAFileMayBeATextOfTheListsOwn) {
+  const TempFolder folder;
+  const std::string path = folder.Path("of its own.ocf");  // longer than what a string keeps in itself
+  folder.Write("of its own.ocf", "{ token=\"" + path + "\" name=n lon=1 }");
+  MeridianList list;
+  ASSERT_TRUE(list.Load(path.c_str(), true));
+  EXPECT_TRUE(list.Load(list.EnumToken(list.First()), true));
+  EXPECT_EQ(list.Count(), 1);
+}

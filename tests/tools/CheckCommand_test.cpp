@@ -92,4 +92,14 @@ TEST(OrvCheck, AFileThatIsNotThereIsAUsageError) {
   EXPECT_NE(r.err.find("cannot open '/no/such/datum.ocf'"), std::string::npos) << r.err;
 }
 
+TEST(OrvCheck, AQuoteInsideATokenOpensNothing) {
+  const TempFolder folder;
+  const std::string file = folder.Write("meridian.ocf",
+                                        "{ token=A name=a lon=2d20'14\"E }\n{ token=B name=b lon=400 }\n"
+                                        "{ token=C name=c lon=1 }\n");
+  const Result r = RunOrv({"check", file});
+  EXPECT_EQ(r.err, "orv: " + file + "(2):  Longitude out of range.\n");
+  EXPECT_EQ(r.out, file + ": 2 entries, 1 error\n");
+}
+
 }  // namespace

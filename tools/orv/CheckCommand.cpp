@@ -9,7 +9,9 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "orv/core/ConfigFile.h"
@@ -93,14 +95,16 @@ class Source {
     int line;
   };
 
-  /// From each brace to its partner, as the reader of these files sees them: not within quotes or comments.
+  /// From each brace to its partner, as the reader of these files sees them: not within quotes or comments.  A quote
+  /// within an unquoted token is an ordinary character: 2d20'14"E.
   void FindEntries() {
     int line = 1;
     char quote = '\0';
-    bool comment = false, open = false;
+    bool comment = false, open = false, plain = false;  // plain: within an unquoted token
     Entry entry{};
     for (size_t at = 0; at < m_Text.size(); ++at) {
       const char c = m_Text[at];
+      const bool wasPlain = std::exchange(plain, false);
       if (c == '\n') {
         ++line;
         comment = false;
@@ -109,7 +113,7 @@ class Source {
         continue;
       } else if (quote != '\0') {
         if (c == quote) quote = '\0';
-      } else if (c == '"' || c == '\'') {
+      } else if ((c == '"' || c == '\'') && !wasPlain) {
         quote = c;
       } else if (c == ';') {
         comment = true;
@@ -120,6 +124,9 @@ class Source {
         open = false;
         entry.end = at + 1;
         m_Entries.push_back(entry);
+      } else {
+        plain =
+            c != '\0' && std::string_view(" \t\r=+,;:~/!@#$%^&*(){}[]|<>").find(c) == std::string_view::npos;
       }
     }
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 #include "orv/core/Platform.h"
 
@@ -54,6 +55,11 @@ void SortIgnoringCase(std::vector<NumberedText>& texts) {
     }
   }
   for (size_t i = 0; i < texts.size(); ++i) texts[i] = {rests[i].text.data(), rests[i].number};
+}
+
+const char* ShortNameOf(const char* name) {
+  const char* const bar = std::strrchr(name, '|');
+  return bar ? bar + std::strspn(bar, "| ") : name;
 }
 
 std::string FormatV(const char* format, std::va_list args) {

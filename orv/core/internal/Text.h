@@ -79,6 +79,10 @@ inline const char* NullIfEmpty(const std::string& text) { return text.empty() ? 
 /// "" for a null pointer.
 inline const char* EmptyIfNull(const char* text) { return text ? text : ""; }
 
+/// Of a name in groups, "UTM|WGS 84|WGS 84 / UTM zone 33N": what stands behind its last bar and the bars and blanks
+/// that follow it; the whole name when it has no bar.  Points into the name.
+const char* ShortNameOf(const char* name);
+
 /// printf into a string, in the C locale whatever the host has set; any length.
 #if defined(__GNUC__)
 __attribute__((format(printf, 1, 2)))

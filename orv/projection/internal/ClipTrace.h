@@ -15,8 +15,9 @@ struct ClipOptions {
   double approach;   ///< nor longer than this part of its distance to a point that the map shows as a line
 };
 
-/// Five probes on each gap.  The tolerance catches what five probes cannot follow at all: the long way around a
-/// cap, or a bend of the rim that they cut off, in the plane or on the map.
+/// Five probes on each gap, which stand in the ring wherever they lie on the gap.  The tolerance catches what five
+/// probes cannot follow at all: the long way around a cap, or a bend of the rim that they cut off, in the plane or on
+/// the map.
 inline constexpr ClipOptions kFiveProbes = {5, 2.0, 1e300, 1.0};
 /// Within 0.01 degree of the rim: 0.001 is the crossings' own, and room is left for the chords.
 inline constexpr ClipOptions kRefined = {5, 0.005, 0.1, 0.1};
@@ -31,7 +32,8 @@ struct ClipGap {
   std::vector<shr::Vec2d> points;  ///< the trace without its ends
 };
 
-/// Fills the gap's points. A gap that has corners is traced from corner to corner.
+/// Fills the gap's points: the probes of the whole gap that lie on it in order, and between two of them whose edge
+/// strays too far those of its parts, from corner to corner.
 void TraceGap(const ClipArea& area, const ClipRim& rim, const ClipOptions& options, ClipGap& gap);
 
 /// A run of edges.
@@ -42,7 +44,8 @@ struct ClipChain {
 };
 
 /// Traces again, each time four times closer, those gaps whose traced edges meet an edge of the chains or of
-/// another gap other than at a common end: what lies between the rim and a chord that cuts it off.
+/// another gap other than at a common end, or pass a whole ring by: what lies between the rim and a chord that cuts
+/// it off.
 void SeparateGaps(const ClipArea& area, const ClipRim& rim, const ClipOptions& options,
                   const std::vector<ClipChain>& chains, std::vector<ClipGap>& gaps);
 

@@ -171,9 +171,11 @@ void TableList<Info>::Flush() {
 template <class Info>
 bool TableList<Info>::Load(const char* fileName, bool bThrowIfFileMissing) {
   using Traits = internal::TableTraits<Info>;
+  const std::string name = internal::EmptyIfNull(fileName);  // may belong to an entry of this list
   Flush();
   ConfigFileReader reader;
-  if (!internal::OpenListFile(reader, Traits::kFile, fileName, bThrowIfFileMissing, ORV_TABLE_SITE))
+  if (!internal::OpenListFile(reader, Traits::kFile, fileName ? name.c_str() : nullptr, bThrowIfFileMissing,
+                              ORV_TABLE_SITE))
     return false;
   const auto complain = [&reader](const char* message) {
     ORV_FAIL_AT(ORV_TABLE_SITE, ErrSyntax, message, reader.FileName(), reader.Line());
