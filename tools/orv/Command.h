@@ -45,5 +45,8 @@ void AddRouteCommand(CLI::App& app, int& status);
 void AddCheckCommand(CLI::App& app, int& status);
 void AddClipCommand(CLI::App& app, int& status);
 void AddPlotCommand(CLI::App& app, int& status);
+void AddExplainCommand(CLI::App& app, int& status);
+void AddGridsCommand(CLI::App& app, int& status);
+void AddWarpCommand(CLI::App& app, int& status);
 
 }  // namespace orv::tool

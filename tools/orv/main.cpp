@@ -61,6 +61,9 @@ int main(int argc, char** argv) {
   AddCheckCommand(app, status);
   AddClipCommand(app, status);
   AddPlotCommand(app, status);
+  AddExplainCommand(app, status);
+  AddGridsCommand(app, status);
+  AddWarpCommand(app, status);
 
   try {
     app.parse(argc, argv);
