@@ -97,6 +97,8 @@ void DatumConverter::Initialize(const std::vector<DatumMethod>& allowed) {
       const int target = known.FindSpecial(step.parameters.target, known.First());
       if (target != 0) step.targetEllipsoid = *known.Enum(target)->GetEllipsoid();
     }
+    step.ready =
+        std::make_shared<internal::DatumStep>(step.parameters, step.targetEllipsoid, internal::Grids());
     m_Route.push_back(step);
   }
 }
@@ -112,29 +114,29 @@ void DatumConverter::Convert(shr::Vec2d* points, size_t count) {
   if (!points) count = 0;
 
   // Whatever can fail fails here, before a point is touched.
-  std::vector<internal::DatumStep> steps;
+  size_t steps = 0;  // that run
   const char* failure = nullptr;
   bool bGrids = false;
-  for (const Step& step : m_Route) {
-    internal::DatumStep& ready = steps.emplace_back(step.parameters, step.targetEllipsoid, internal::Grids());
-    failure = ready.Prepare();
-    bGrids = bGrids || ready.UsesGrids();
-    if (!failure) continue;
-    steps.pop_back();
-    break;
+  for (; steps < m_Route.size(); ++steps) {
+    const internal::DatumStep& step = *m_Route[steps].ready;
+    failure = step.Prepare();
+    bGrids = bGrids || step.UsesGrids();
+    if (failure) break;
   }
 
   // All stages block by block, while a block is in the cache.  A step that fails leaves the points as far as the
   // steps in front of it take them.
-  const lanes::KernelTable& kernels = lanes::Kernels();
   double offsets[lanes::kBlockPoints];
   // Grids take point by point, so padding to whole groups would only add points.
-  const size_t group = bGrids ? 1 : kernels.lanes;
-  lanes::ForEachBlock(count > 0 ? &points->x : nullptr, count, group, [&](double* block, size_t n) {
+  const auto fit = [bGrids](size_t n) -> const lanes::KernelTable& {
+    return lanes::KernelsFor(bGrids ? 1 : n);
+  };
+  const auto convert = [&](const lanes::KernelTable& kernels, double* block, size_t n) {
     if (Enter(kernels, block, n, offsets)) m_bHadUnplottables = true;
-    for (const internal::DatumStep& step : steps) step.Run(block, n);
+    for (size_t step = 0; step < steps; ++step) m_Route[step].ready->Run(block, n);
     if (!failure && Leave(kernels, block, n, offsets)) m_bHadUnplottables = true;
-  });
+  };
+  lanes::ForEachBlock(count > 0 ? &points->x : nullptr, count, lanes::Kernels(), fit, convert);
   if (failure) ORV_FAIL(ErrDatumMethod, "%s", failure);
 }
 

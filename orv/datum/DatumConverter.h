@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,10 @@
 #include "orv/shared/Vec2d.h"
 
 namespace orv {
+
+namespace internal {
+class DatumStep;
+}
 
 /// Converts geographic positions (x longitude, y latitude, degrees) from a source to a destination datum.
 ///
@@ -81,6 +86,7 @@ class ORV_API DatumConverter {
     DatumParameters parameters;
     EllipsoidDef
         targetEllipsoid;  ///< of the known datum that is the parameters' target; empty when there is none
+    std::shared_ptr<const internal::DatumStep> ready;  ///< what follows from both, shared by copies
   };
 
   void CopyAll(const DatumConverter& other);

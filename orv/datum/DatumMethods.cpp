@@ -130,7 +130,7 @@ const char* DatumStep::Run(double* xy, size_t count) const {
   if (const char* const failure = Prepare()) return failure;
   static_assert(std::is_standard_layout_v<shr::Vec2d> && sizeof(shr::Vec2d) == 2 * sizeof(double));
   auto* const points = reinterpret_cast<shr::Vec2d*>(xy);
-  const lanes::KernelTable& kernels = lanes::Kernels();
+  const lanes::KernelTable& kernels = lanes::KernelsFor(count);
   const char* failure = nullptr;
   std::visit(Choose{[&](const Molodensky& c) { kernels.molodensky(c, xy, count); },
                     [&](const BursaWolf& c) { kernels.bursaWolf(c, xy, count); },

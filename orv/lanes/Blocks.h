@@ -10,36 +10,40 @@ namespace orv::lanes {
 inline constexpr std::size_t kBlockPoints = 512;  ///< points in a block: 8 KB
 inline constexpr std::size_t kMostLanes = 8;      ///< a multiple of every set's lanes
 
-/// Calls f(double* xy, std::size_t count) on block after block of the n points, in order.
+/// Calls f(const KernelTable& kernels, double* xy, std::size_t count) on block after block of the n points,
+/// in order.
 ///
-/// count is a multiple of `lanes` (1, 2, 4 or 8), so that no pass meets a partial group.  The last points,
-/// fewer than `lanes`, are padded once: a copy on the stack, filled up with copies of its own last point, is
-/// given to f as a block of its own, and the real points are copied back.  f need not tell padding from
-/// points: a flag that it takes from a padded block is the flag of the real points, since padding repeats one
-/// of them. An exception out of f passes through; the padded points are then not copied back.
-template <class F>
-void ForEachBlock(double* xy, std::size_t n, std::size_t lanes, F f) {
-  const std::size_t whole = n - n % lanes;
+/// Whole groups of `best` come first, with that set.  The last points, fewer than its lanes, are a block of
+/// their own with the set fit(their number).  count is a multiple of the set's lanes, so that no pass meets a
+/// partial group: where the last points are not, a copy on the stack, filled up with copies of its own last
+/// point, is given to f, and the real points are copied back.  f need not tell padding from points: a flag
+/// that it takes from a padded block is the flag of the real points, since padding repeats one of them. An
+/// exception out of f passes through; the padded points are then not copied back.
+template <class Fit, class F>
+void ForEachBlock(double* xy, std::size_t n, const KernelTable& best, Fit fit, F f) {
+  const std::size_t rest = n % best.lanes, whole = n - rest;
   for (std::size_t i = 0; i < whole; i += kBlockPoints) {
-    f(xy + 2 * i, whole - i < kBlockPoints ? whole - i : kBlockPoints);
+    f(best, xy + 2 * i, whole - i < kBlockPoints ? whole - i : kBlockPoints);
   }
-  const std::size_t rest = n - whole;
   if (rest == 0) return;
+  const KernelTable& few = fit(rest);
   double* const tail = xy + 2 * whole;
+  const std::size_t missing = (few.lanes - rest % few.lanes) % few.lanes;
+  if (missing == 0) return f(few, tail, rest);
   double padded[2 * kMostLanes];
-  for (std::size_t i = 0; i < lanes; ++i) {
+  for (std::size_t i = 0; i < rest + missing; ++i) {
     const std::size_t from = i < rest ? i : rest - 1;
     padded[2 * i] = tail[2 * from];
     padded[2 * i + 1] = tail[2 * from + 1];
   }
-  f(static_cast<double*>(padded), lanes);
+  f(few, static_cast<double*>(padded), rest + missing);
   for (std::size_t i = 0; i < 2 * rest; ++i) tail[i] = padded[i];
 }
 
-/// The same with the lanes of Kernels().
+/// The same with Kernels() and KernelsFor().
 template <class F>
 void ForEachBlock(double* xy, std::size_t n, F f) {
-  ForEachBlock(xy, n, Kernels().lanes, f);
+  ForEachBlock(xy, n, Kernels(), KernelsFor, f);
 }
 
 }  // namespace orv::lanes

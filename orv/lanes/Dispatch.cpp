@@ -53,24 +53,45 @@ int Candidates(Candidate (&list)[kMostCandidates]) {
   return count;
 }
 
-const KernelTable& Choose() {
+constexpr std::size_t kFewPoints = 4;
+
+struct Choice {
+  const KernelTable* best;
+  const KernelTable* few[kFewPoints + 1];  // by the number of points
+};
+
+Choice Choose() {
   Candidate list[kMostCandidates];
   const int count = Candidates(list);
   int first = 0;
   if (const char* wanted = std::getenv("ORV_ISA")) {
     for (int i = 0; i < count; ++i) {
-      if (list[i].runs && std::strcmp(list[i].table->isa, wanted) == 0) first = i;
+      if (std::strcmp(list[i].table->isa, wanted) == 0) first = i;
     }
   }
   while (!list[first].runs) ++first;  // the last one runs everywhere
-  return *list[first].table;
+  const KernelTable* const one = list[count - 1].table;
+  Choice choice = {list[first].table, {one, one}};
+  for (std::size_t points = 2; points <= kFewPoints; ++points) {
+    int fit = first;
+    while (list[fit].table->lanes > kFewPoints || !list[fit].runs) ++fit;
+    choice.few[points] = list[fit].table;
+  }
+  return choice;
+}
+
+const Choice& Chosen() {
+  static const Choice choice = Choose();
+  return choice;
 }
 
 }  // namespace
 
-const KernelTable& Kernels() {
-  static const KernelTable& best = Choose();
-  return best;
+const KernelTable& Kernels() { return *Chosen().best; }
+
+const KernelTable& KernelsFor(std::size_t n) {
+  const Choice& choice = Chosen();
+  return n > kFewPoints ? *choice.best : *choice.few[n];
 }
 
 const KernelTable* KernelsOf(const char* isa) {

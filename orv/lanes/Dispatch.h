@@ -132,9 +132,14 @@ struct KernelTable {
 
 /// The best set that this machine can run, chosen once.
 ///
-/// The environment variable ORV_ISA (one, sse2, avx2, avx512, neon) names the best set to be considered; an
-/// unknown name, or one that this machine or build lacks, is ignored.
+/// The environment variable ORV_ISA (one, sse2, avx2, avx512, neon) limits the choice: no set above the one it
+/// names is taken, so it is that set or, where machine or build lacks it, the best one below.  An unknown name
+/// is ignored.
 const KernelTable& Kernels();
+
+/// The quickest set for a call of n points, none above Kernels(): that one itself from five points on, four lanes
+/// for two to four points, one for one.  (SSE2 loses to one lane on a single point: it has no blend.)
+const KernelTable& KernelsFor(std::size_t n);
 
 /// The set of that name, or null when this machine or this build lacks it.  For tests and benchmarks.
 const KernelTable* KernelsOf(const char* isa);

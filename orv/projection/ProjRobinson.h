@@ -77,7 +77,7 @@ inline Point Inverse(const Robinson& c, Point p) {
   const Ints row = RobinsonIndex(i);
   const Cubic t = RobinsonCubic(kRobinsonDistance, row);
   const Lanes next = Gather(kRobinsonDistance[0], (row + 1) * kRobinsonTerms);
-  const Lanes d = Newton(5.0 * (Y - t.c0) / (next - t.c0), [&](Lanes v) {
+  const Lanes d = Newton(5.0 * (Y - t.c0) / (next - t.c0), 0.0, [&](Lanes v) {
     return (Y - ValueOf(t, v)) / ((3.0 * t.c3 * v + 2.0 * t.c2) * v + t.c1);
   });
   const Lanes X = ValueOf(RobinsonCubic(kRobinsonLength, row), d);

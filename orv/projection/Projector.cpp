@@ -90,12 +90,11 @@ bool Projector::CanTransform(const shr::Vec2d* points, size_t count) const {
 void Projector::TransformForward(shr::Vec2d* points, size_t count) {
   if (!CanTransform(points, count)) return;
   if (m_Working.method == ProjectionMethodUnprojected) return;  // deliberate: the flag keeps its value
-  const lanes::KernelTable& passes = lanes::Kernels();
   const double scale = m_Working.Scale, xOrg = m_Working.xOrg, yOrg = m_Working.yOrg;
   m_bHadUnplottables = false;
   FpFault() = false;
   internal::FpGuard guard;
-  lanes::ForEachBlock(&points->x, count, [&](double* xy, size_t n) {
+  lanes::ForEachBlock(&points->x, count, [&](const lanes::KernelTable& passes, double* xy, size_t n) {
     passes.normaliseCoordinates(xy, n);
     passes.toRadians(xy, n);
     if (!RunEngine(*m_pActor, &ProjActor::Forward, xy, n, guard, m_bHadUnplottables)) return;
@@ -112,13 +111,12 @@ void Projector::TransformForward(std::vector<shr::Vec2d>& points) {
 
 void Projector::TransformInverse(shr::Vec2d* points, size_t count) {
   if (!CanTransform(points, count)) return;
-  const lanes::KernelTable& passes = lanes::Kernels();
   const double scale = m_Working.Scale, xOrg = m_Working.xOrg, yOrg = m_Working.yOrg;
   const bool isProjected = m_Working.method != ProjectionMethodUnprojected;
   m_bHadUnplottables = false;
   FpFault() = false;
   internal::FpGuard guard;
-  lanes::ForEachBlock(&points->x, count, [&](double* xy, size_t n) {
+  lanes::ForEachBlock(&points->x, count, [&](const lanes::KernelTable& passes, double* xy, size_t n) {
     if (passes.checkMarks(xy, n)) m_bHadUnplottables = true;
     if (!isProjected) return;
     if (scale != 1.0) passes.divide(xy, n, scale);

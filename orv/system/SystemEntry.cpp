@@ -224,9 +224,11 @@ bool SetProjectionMethod(ProjectionParameters& p, std::string_view name) {
   return p.method != ProjectionMethodUnknown;
 }
 
-/// Degrees, or degrees, minutes and seconds.
+/// Degrees, or degrees, minutes and seconds.  What is a number throughout is the same either way.
 bool SetAngle(double& angle, std::string_view text) {
-  if (!LatLonToDegrees(std::string(text).c_str(), &angle, 'd')) angle = ReadDecimal(text);
+  size_t end = 0;
+  const double number = ReadDecimal(text, &end);
+  if (end == text.size() || !LatLonToDegrees(std::string(text).c_str(), &angle, 'd')) angle = number;
   return true;
 }
 

@@ -56,8 +56,8 @@ class KernelEngine : public ProjActor {
                       double* dy) const final {
     return m_Row->split(degrees, pts, n, dx, dy);
   }
-  bool Forward(shr::Vec2d* pts, size_t n) final { return Run(Kernels().forward, pts, n); }
-  bool Inverse(shr::Vec2d* pts, size_t n) final { return Run(Kernels().inverse, pts, n); }
+  bool Forward(shr::Vec2d* pts, size_t n) final { return Run(Kernels(n).forward, pts, n); }
+  bool Inverse(shr::Vec2d* pts, size_t n) final { return Run(Kernels(n).inverse, pts, n); }
 
  protected:
   explicit KernelEngine(const EngineRow<C>& row) : m_Row(&row) {}
@@ -65,7 +65,7 @@ class KernelEngine : public ProjActor {
   virtual C Constants() const = 0;
 
  private:
-  const lanes::EngineKernels<C>& Kernels() const { return lanes::Kernels().*m_Row->kernels; }
+  const lanes::EngineKernels<C>& Kernels(size_t n) const { return lanes::KernelsFor(n).*m_Row->kernels; }
 
   bool Run(typename lanes::EngineKernels<C>::Run kernel, shr::Vec2d* pts, size_t n) const {
     static_assert(sizeof(shr::Vec2d) == 2 * sizeof(double), "a batch of points must be interleaved doubles");

@@ -1,0 +1,147 @@
+// Points are converted without a single allocation: a program of its own, whose operator new counts.
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "orv/core/Startup.h"
+#include "orv/datum/DatumConverter.h"
+#include "orv/datum/DatumList.h"
+#include "orv/projection/Projector.h"
+#include "orv/system/CSTransformer.h"
+#include "orv/system/ORVDef.h"
+#include "orv/tables/EllipsoidList.h"
+
+namespace {
+
+size_t g_Allocations = 0;
+
+void* Allocate(size_t size) {
+  ++g_Allocations;
+  if (void* const room = std::malloc(size > 0 ? size : 1)) return room;
+  throw std::bad_alloc();
+}
+
+}  // namespace
+
+void* operator new(size_t size) { return Allocate(size); }
+void* operator new[](size_t size) { return Allocate(size); }
+void operator delete(void* room) noexcept { std::free(room); }
+void operator delete[](void* room) noexcept { std::free(room); }
+void operator delete(void* room, size_t) noexcept { std::free(room); }
+void operator delete[](void* room, size_t) noexcept { std::free(room); }
+
+namespace {
+
+using orv::ORVKnownDatumsList;
+using Points = std::vector<shr::Vec2d>;
+
+// Near 10 E, 50 N, where every engine of these tests has its images; one point cannot be plotted.
+Points SomePoints(size_t count) {
+  Points points(count);
+  for (size_t i = 0; i < count; ++i) {
+    points[i] = {8 + static_cast<double>(i % 40) / 10, 48 + static_cast<double>(i % 30) / 10};
+  }
+  if (count > 5) points[5] = {1e300, 1e300};
+  return points;
+}
+
+/// Allocations of work(points, count) behind its first call, over batches of every kind.
+template <class Work>
+size_t AllocationsOf(Work work) {
+  size_t allocations = 0;
+  Points first = SomePoints(1);
+  work(first.data(), first.size());
+  for (const size_t count : {1u, 2u, 3u, 5u, 8u, 13u, 512u, 1500u}) {
+    Points points = SomePoints(count);
+    const size_t before = g_Allocations;
+    work(points.data(), count);
+    allocations += g_Allocations - before;
+  }
+  return allocations;
+}
+
+class Allocations : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { orv::ORVInitialize(ORV_SOURCE_DIR "/data/catalogue", true); }
+  static void TearDownTestSuite() { orv::ORVShutdown(); }
+
+  static orv::DatumDef Datum(const char* token) {
+    orv::DatumDef datum;
+    EXPECT_NE(ORVKnownDatumsList.FindByToken(token, &datum), 0) << token;
+    return datum;
+  }
+};
+
+TEST_F(Allocations, AreCounted) {
+  const size_t counted = AllocationsOf([](shr::Vec2d* points, size_t count) {
+    const Points copy(points, points + count);
+    points[0] = copy[count - 1];
+  });
+  EXPECT_EQ(counted, 8u);
+}
+
+TEST_F(Allocations, NoProjectorAllocates) {
+  for (int number = orv::ProjectionMethodAlbers; number <= orv::ProjectionMethodVanDerGrinten; ++number) {
+    const auto method = static_cast<orv::ProjectionMethod>(number);
+    orv::ProjectionDef def;
+    def.SetDefaultParameters(method);
+    def.SetParameter(orv::ProjectionParameterIDLon0, 9.0);
+    def.SetParameter(orv::ProjectionParameterIDLat0, 47.0);
+    def.SetParameter(orv::ProjectionParameterIDLat1, 45.0);
+    def.SetParameter(orv::ProjectionParameterIDLat2, 55.0);
+    def.SetParameter(orv::ProjectionParameterIDLon1, 5.0);
+    def.SetParameter(orv::ProjectionParameterIDLon2, 15.0);
+    def.SetParameter(orv::ProjectionParameterIDXOrg, 500000.0);
+    def.SetParameter(orv::ProjectionParameterIDScale, 1.5);
+    const std::string name = orv::ProjectionDef::MethodToName(method);
+    ASSERT_EQ(def.CheckParameters(), orv::ProjectionParameterIDNone) << name;
+    orv::Projector projector(def);
+    const auto forward = [&](shr::Vec2d* points, size_t count) { projector.TransformForward(points, count); };
+    const auto inverse = [&](shr::Vec2d* points, size_t count) { projector.TransformInverse(points, count); };
+    EXPECT_EQ(AllocationsOf(forward), 0u) << name;
+    EXPECT_EQ(AllocationsOf(inverse), 0u) << name;
+  }
+}
+
+TEST_F(Allocations, NoDatumConverterAllocates) {
+  const orv::DatumDef wgs84 = Datum("EPSG:6326");
+  std::vector<orv::DatumDef> datums = {Datum("EPSG:6314"), Datum("EPSG:6230"), Datum("EPSG:6230")};
+  datums[1].SetMethod(orv::DatumMethodMolodensky, false);
+  datums[2].SetMethod(orv::DatumMethodMRE, false);
+  datums[2].SetParameter(orv::DatumParameterIDEquation, orv::DatumMRETypeED50);
+  for (const orv::DatumDef& datum : datums) {
+    orv::DatumConverter converter(&datum, &wgs84);
+    const auto convert = [&](shr::Vec2d* points, size_t count) { converter.Convert(points, count); };
+    EXPECT_EQ(AllocationsOf(convert), 0u) << orv::DatumDef::MethodToName(datum.GetMethod());
+  }
+}
+
+TEST_F(Allocations, NoTransformerAllocates) {
+  const orv::DatumDef dhdn = Datum("EPSG:6314"), wgs84 = Datum("EPSG:6326");
+  orv::ProjectionDef grid, utm;
+  grid.SetDefaultParameters(orv::ProjectionMethodTransverseMercator);
+  grid.SetParameter(orv::ProjectionParameterIDLon0, 9.0);
+  grid.SetParameter(orv::ProjectionParameterIDXOrg, 3500000.0);
+  grid.SetParameter(orv::ProjectionParameterIDEllipsoid, *dhdn.GetEllipsoid());
+  utm.SetDefaultParameters(orv::ProjectionMethodUTM);
+  utm.SetParameter(orv::ProjectionParameterIDLon0, 9.0);
+  utm.SetParameter(orv::ProjectionParameterIDEllipsoid, *wgs84.GetEllipsoid());
+  const orv::ORVDef from(&dhdn, &grid, nullptr), to(&wgs84, &utm, nullptr);
+  orv::CSTransformer transformer(&from, &to, false, false);
+  transformer.Initialize();
+  Points out(1500);
+  const auto apart = [&](shr::Vec2d* points, size_t count) {
+    transformer.Transform(points, out.data(), count);
+  };
+  const auto inPlace = [&](shr::Vec2d* points, size_t count) {
+    transformer.Transform(points, points, count);
+  };
+  EXPECT_EQ(AllocationsOf(apart), 0u);
+  EXPECT_EQ(AllocationsOf(inPlace), 0u);
+}
+
+}  // namespace
