@@ -1,8 +1,11 @@
 // ORVCore.h: all public headers at once.
 #pragma once
 
+#include "orv/convert/Conversion.h"
+#include "orv/convert/ConversionReport.h"
 #include "orv/convert/DatumRoute.h"
 #include "orv/convert/KnownSearch.h"
+#include "orv/convert/SystemText.h"
 #include "orv/core/DataType.h"
 #include "orv/core/Error.h"
 #include "orv/core/Export.h"

@@ -1,5 +1,6 @@
 #include "orv/convert/DatumRoute.h"
 
+#include "orv/convert/internal/DatumSteps.h"
 #include "orv/core/ORVGlobals.h"
 #include "orv/datum/DatumConverter.h"
 #include "orv/datum/DatumList.h"
@@ -28,7 +29,7 @@ void TellGrids(DatumStep& step) {
 
 }  // namespace
 
-std::vector<DatumStep> ORVPlanDatumRoute(const DatumDef& from, const DatumDef& to) {
+std::vector<DatumStep> internal::PlanDatumSteps(const DatumDef& from, const DatumDef& to) {
   DatumConverter(&from, &to).Initialize();  // raises when there is no way
   const DatumList& known = ORVKnownDatumsList;
   std::vector<internal::PlannedStep> plan;
@@ -42,10 +43,15 @@ std::vector<DatumStep> ORVPlanDatumRoute(const DatumDef& from, const DatumDef& t
       step.datum = *planned.datum;
       const int target = known.FindSpecial(step.datum.GetParameters()->target, known.First());
       if (target != 0) step.target = *known.Enum(target);
-      TellGrids(step);
     }
     steps.push_back(step);
   }
+  return steps;
+}
+
+std::vector<DatumStep> ORVPlanDatumRoute(const DatumDef& from, const DatumDef& to) {
+  std::vector<DatumStep> steps = internal::PlanDatumSteps(from, to);
+  for (DatumStep& step : steps) TellGrids(step);
   return steps;
 }
 

@@ -88,17 +88,36 @@ void ORVSetConfigPath(const char* path) { Globals().configPath = internal::Empty
 
 const char* ORVGetConfigPath() { return internal::NullIfEmpty(Globals().configPath); }
 
+namespace {
+
+/// Those in front of the installed ones; the configuration path, when one is set, is the first.
+std::vector<std::string> OwnFolders() {
+  std::vector<std::string> folders;
+  if (!Globals().configPath.empty()) folders.push_back(Globals().configPath);
+  const std::string executableFolder = FolderOf(platform::ExecutablePath());
+  folders.push_back(FolderOf(platform::ModulePath()));
+  folders.push_back(executableFolder);
+  folders.push_back(Joined(executableFolder, "../Config/"));
+  return folders;
+}
+
+}  // namespace
+
+std::vector<std::string> internal::ConfigFolders() {
+  std::vector<std::string> folders = OwnFolders();
+  for (std::string& folder : InstalledFolders()) folders.push_back(std::move(folder));
+  return folders;
+}
+
 bool ORVFindConfigFile(const char* fileName, std::string& fullPath) {
   if (!fileName || *fileName == '\0') return false;
   const std::string name = fileName;  // the caller's pointer may lie in fullPath
   fullPath.clear();
-  const std::string& configPath = Globals().configPath;
-  if (!configPath.empty() && internal::FindReadableFile(Joined(configPath, name), fullPath)) return true;
-  if (HoldsSeparator(name) && internal::FindReadableFile(name, fullPath)) return true;
-  if (internal::FindReadableFile(Joined(FolderOf(platform::ModulePath()), name), fullPath)) return true;
-  const std::string executableFolder = FolderOf(platform::ExecutablePath());
-  if (internal::FindReadableFile(Joined(executableFolder, name), fullPath)) return true;
-  if (internal::FindReadableFile(Joined(Joined(executableFolder, "../Config/"), name), fullPath)) return true;
+  size_t nameItself = Globals().configPath.empty() ? 0 : 1;  // its place among the folders
+  for (const std::string& folder : OwnFolders()) {
+    if (nameItself-- == 0 && HoldsSeparator(name) && internal::FindReadableFile(name, fullPath)) return true;
+    if (internal::FindReadableFile(Joined(folder, name), fullPath)) return true;
+  }
   return shr::LocateFile(name.c_str(), fullPath);
 }
 

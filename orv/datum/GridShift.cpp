@@ -54,13 +54,10 @@ class Once {
 std::string FolderOf(const std::string& file) { return std::filesystem::path(file).parent_path().string(); }
 
 bool LoadNadconGrids(NadconUtility& nadcon) {
-  const ORVGlobals& globals = Globals();
-  if (!globals.nadconGridPath.empty()) return nadcon.LoadGrids(globals.nadconGridPath);
-  if (nadcon.LoadGrids(FolderOf(platform::ModulePath()))) return true;
-  if (!globals.configPath.empty() && nadcon.LoadGrids(globals.configPath)) return true;
-  std::string catalogue;
-  return shr::LocateFile("datum.ocf", catalogue) &&
-         nadcon.LoadGrids(FolderOf(catalogue) + platform::kSeparator + "grids");
+  for (const std::string& folder : NadconFolders()) {
+    if (nadcon.LoadGrids(folder)) return true;
+  }
+  return false;
 }
 
 class LibraryGrids : public GridShift {
@@ -77,6 +74,8 @@ class LibraryGrids : public GridShift {
     return NTv2Done;  // what a loaded grid cannot shift it leaves
   }
 
+  const NadconUtility* Nadcon() const { return m_Nadcon.Get(); }
+  const NTv2Grid* NTv2() const { return m_NTv2.Get(); }
   void ReleaseNadcon() { m_Nadcon.Release(); }
   void ReleaseNTv2() { m_NTv2.Release(); }
 
@@ -93,6 +92,21 @@ LibraryGrids& TheGrids() {
 }  // namespace
 
 GridShift& Grids() { return TheGrids(); }
+
+const NadconUtility* LoadedNadcon() { return TheGrids().Nadcon(); }
+const NTv2Grid* LoadedNTv2() { return TheGrids().NTv2(); }
+
+std::vector<std::string> NadconFolders() {
+  const ORVGlobals& globals = Globals();
+  if (!globals.nadconGridPath.empty()) return {globals.nadconGridPath};
+  std::vector<std::string> folders = {FolderOf(platform::ModulePath())};
+  if (!globals.configPath.empty()) folders.push_back(globals.configPath);
+  std::string catalogue;
+  if (shr::LocateFile("datum.ocf", catalogue)) {
+    folders.push_back(FolderOf(catalogue) + platform::kSeparator + "grids");
+  }
+  return folders;
+}
 
 void ReleaseNadconGrids() { TheGrids().ReleaseNadcon(); }
 void ReleaseNTv2Grids() { TheGrids().ReleaseNTv2(); }

@@ -2,10 +2,15 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
+#include <vector>
 
 #include "orv/shared/Vec2d.h"
 
 namespace orv::internal {
+
+class NTv2Grid;
+class NadconUtility;
 
 /// Statuses of the NTv2 grids.
 enum NTv2Status : int {
@@ -38,6 +43,12 @@ class GridShift {
 
 /// The library's own grids.
 GridShift& Grids();
+
+/// The library's grids as they are loaded; null while none are.  Valid until they are released.
+const NadconUtility* LoadedNadcon();
+const NTv2Grid* LoadedNTv2();
+/// The folders in which NADCON grids are looked for, in that order: the one that is set, else the usual places.
+std::vector<std::string> NadconFolders();
 
 /// Lets go of the library's loaded grids; the next use loads them anew.  Not while another thread converts.
 void ReleaseNadconGrids();

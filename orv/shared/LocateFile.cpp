@@ -16,33 +16,38 @@ namespace {
 
 namespace platform = orv::platform;
 
-bool Found(const std::string& folder, const char* name, std::string& path) {
-  return !folder.empty() && orv::internal::FindReadableFile(folder + platform::kSeparator + name, path);
-}
-
-std::string FolderOf(const std::string& file) {
-  const size_t separator = file.find_last_of("/\\");
-  return separator == std::string::npos ? "" : file.substr(0, separator);
-}
-
 }  // namespace
 
 bool LocateFile(const char* name, std::string& path) {
   if (!name || *name == '\0') return false;
   const std::string wanted = name;  // the caller's pointer may lie in path
   path.clear();
-  if (const char* const variable = std::getenv("ORV_CONFIG_PATH")) {
-    const std::string folders = variable;
-    for (size_t at = 0; at <= folders.size();) {
-      const size_t end = std::min(folders.find(platform::kPathListSeparator, at), folders.size());
-      if (Found(folders.substr(at, end - at), wanted.c_str(), path)) return true;
-      at = end + 1;
-    }
+  for (const std::string& folder : orv::internal::InstalledFolders()) {
+    if (orv::internal::FindReadableFile(folder + platform::kSeparator + wanted, path)) return true;
   }
-  const std::string moduleFolder = FolderOf(platform::ModulePath());
-  if (!moduleFolder.empty() && Found(moduleFolder + "/../share/orvcore", wanted.c_str(), path)) return true;
-  const std::string prefix = ORV_INSTALL_PREFIX;
-  return !prefix.empty() && Found(prefix + "/share/orvcore", wanted.c_str(), path);
+  return false;
 }
 
 }  // namespace shr
+
+std::vector<std::string> orv::internal::InstalledFolders() {
+  std::vector<std::string> folders;
+  const auto add = [&](const std::string& folder) {
+    if (!folder.empty()) folders.push_back(folder);
+  };
+  if (const char* const variable = std::getenv("ORV_CONFIG_PATH")) {
+    const std::string all = variable;
+    for (size_t at = 0; at <= all.size();) {
+      const size_t end = std::min(all.find(platform::kPathListSeparator, at), all.size());
+      add(all.substr(at, end - at));
+      at = end + 1;
+    }
+  }
+  const size_t separator = platform::ModulePath().find_last_of("/\\");
+  if (separator != std::string::npos && separator > 0) {
+    add(platform::ModulePath().substr(0, separator) + "/../share/orvcore");
+  }
+  const std::string prefix = ORV_INSTALL_PREFIX;
+  if (!prefix.empty()) add(prefix + "/share/orvcore");
+  return folders;
+}

@@ -64,7 +64,8 @@ class ORV_API CSTransformer {
   /// local systems (UCSDef) have none but the destination's warp: their scales and origins take no part.
   /// Deliberate: equal projections of both systems (in the tolerant sense of
   /// ProjectionDef::CompareParameters, measured on the source) cancel each other even when the datums differ;
-  /// the datum stage then works on projected numbers.
+  /// the datum stage then works on projected numbers.  (orv::Conversion goes through longitude and latitude in that
+  /// case.)
   ///
   /// Raised, in this order (each text begins with "Can't transform coordinates because "):
   /// - 1027 "no source coordinate system was specified."

@@ -641,8 +641,8 @@ TEST(OrvDef, SystemsThatCannotBeConnectedAreSaid) {
   EXPECT_EQ(r.status, 2);
   EXPECT_EQ(
       r.err,
-      "orv: Can't transform coordinates because the source coordinate system's datum was not specified.  Please "
-      "specify a datum.\n");
+      "orv: source system: it has no datum, and the target's is 'World Geodetic System 1984' (EPSG:6326); give it its "
+      "datum, or take the datum off the target when both lie on the same one\n");
 }
 
 // ---- angles

@@ -1,39 +1,26 @@
-// Conversion.h: points from one system to another, through as many transformers as this needs.
+// Conversion.h: the library's conversion, with NaN in place of the marker.
 #pragma once
 
 #include <cstddef>
-#include <vector>
 
+#include "orv/convert/Conversion.h"
 #include "orv/shared/Vec2d.h"
-#include "orv/system/CSTransformer.h"
 
 namespace orv::tool {
 
-/// Whether the system's points are longitudes and latitudes: georeferenced and not projected.
-bool IsGeographic(const CSDef& system);
-
-/// A conversion between two systems.
-///
-/// One CSTransformer, but for one case: two systems with equal projections on different datums, where it
-/// would let the projections cancel and shift projected numbers, go through longitude and latitude on the
-/// source's datum.
+/// orv::Conversion, whose failures come out as they are.
 class Conversion {
  public:
-  /// Raises shr::Exception when there is no way from one to the other.
-  Conversion(const CSDef& from, const CSDef& to);
+  Conversion(const CSDef& from, const CSDef& to) : m_Conversion(orv::Conversion::Create(from, to)) {}
 
   /// Converts in place.  A point without a result becomes NaN in both coordinates.
   void Convert(shr::Vec2d* points, size_t count) const;
 
-  bool FromGeographic() const { return m_bFromGeographic; }
-  bool ToGeographic() const { return m_bToGeographic; }
+  bool FromGeographic() const { return m_Conversion.FromGeographic(); }
+  bool ToGeographic() const { return m_Conversion.ToGeographic(); }
 
  private:
-  void Add(const CSDef& from, const CSDef& to);
-
-  std::vector<CSTransformer> m_Stages;
-  bool m_bFromGeographic;
-  bool m_bToGeographic;
+  orv::Conversion m_Conversion;
 };
 
 /// Whether a result is no point: NaN in either coordinate.

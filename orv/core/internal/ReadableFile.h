@@ -1,9 +1,10 @@
-// ReadableFile.h: whether a candidate of a file search is there.
+// ReadableFile.h: whether a candidate of a file search is there, and where files are searched.
 #pragma once
 
 #include <algorithm>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "orv/core/Platform.h"
 
@@ -28,5 +29,10 @@ inline bool FindReadableFile(const std::string& candidate, std::string& path) {
   path = tried;
   return true;
 }
+
+/// The folders in which ORVFindConfigFile looks, in its order, the installed ones of shr::LocateFile included.
+std::vector<std::string> ConfigFolders();
+/// The folders of shr::LocateFile alone.
+std::vector<std::string> InstalledFolders();
 
 }  // namespace orv::internal
