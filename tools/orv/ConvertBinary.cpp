@@ -4,7 +4,6 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <utility>
 #include <vector>
 
@@ -25,8 +24,7 @@ struct Job {
   ByteBuffer bytes;  ///< read, then written
   std::vector<shr::Vec2d> points;
   std::vector<shr::Vec2d> sources;
-  std::vector<LostPoint> lost;
-  std::chrono::steady_clock::duration converting{};
+  BlockTally tally;
 };
 
 double LittleEndianDouble(const char* bytes) {
@@ -79,16 +77,17 @@ void Work(Job& job, bool bLatFirst, const Conversion& conversion) {
     from += kPointBytes;
   }
   job.sources = job.points;
-  if (conversion.FromGeographic()) {
-    for (shr::Vec2d& point : job.points) {
-      if (std::fabs(point.y) > 90.0) point.x = point.y = std::numeric_limits<double>::quiet_NaN();
-    }
-  }
   const auto start = std::chrono::steady_clock::now();
-  conversion.Convert(job.points.data(), count);
-  job.converting = std::chrono::steady_clock::now() - start;
+  job.tally.report = ConversionReport();
+  conversion.Convert(job.points.data(), count, job.tally.report);
+  job.tally.converting = std::chrono::steady_clock::now() - start;
 
-  job.lost.clear();
+  job.tally.points = count;
+  job.tally.lost.clear();
+  for (size_t i = 0; i < kConversionEvents; ++i) {
+    job.tally.firstPlace[i] =
+        static_cast<uint32_t>(job.tally.report.Tally(static_cast<ConversionEvent>(i)).first);
+  }
   char* to = job.bytes.Data();
   for (size_t i = 0; i < count; ++i, to += kPointBytes) {
     const shr::Vec2d& point = job.points[i];
@@ -98,8 +97,9 @@ void Work(Job& job, bool bLatFirst, const Conversion& conversion) {
     if (!IsLost(point)) continue;
     const shr::Vec2d& source = job.sources[i];
     const bool bBeyond = conversion.FromGeographic() && std::fabs(source.y) > 90.0;
-    job.lost.push_back({static_cast<uint32_t>(i), bBeyond, BadLine::BeyondPole, true, source,
-                        bBeyond ? fmt::format("latitude {} is beyond 90 degrees", source.y) : kNoPlace});
+    job.tally.lost.push_back(
+        {static_cast<uint32_t>(i), false, BadLine::BeyondPole, true, source,
+         bBeyond ? fmt::format("latitude {} is beyond 90 degrees", source.y) : kNoPlace});
   }
 }
 
@@ -107,24 +107,19 @@ void Work(Job& job, bool bLatFirst, const Conversion& conversion) {
 
 void ConvertBinary(InputFile& input, bool bLatFirst, const Conversion& conversion, size_t workers,
                    ConvertTally& tally) {
-  const std::vector<Conversion> conversions(workers, conversion);
   PointSource source(input);
   Progress progress(input.Size(), !IsQuiet() && ErrorIsTerminal());
 
   Pipeline<Job> pipeline;
   pipeline.read = [&](Job& job) { return source.Next(job.bytes); };
-  pipeline.work = [&](Job& job, size_t worker) { Work(job, bLatFirst, conversions[worker]); };
+  pipeline.work = [&](Job& job) { Work(job, bLatFirst, conversion); };
   pipeline.write = [&](Job& job) {
     WriteDirectly(job.bytes.Data(), job.bytes.Size());
-    if (!job.lost.empty()) progress.Hide();
-    for (const LostPoint& lost : job.lost) {
-      const uint64_t number = tally.points + lost.line + 1;
-      tally.Add(lost, number);
-      Note(fmt::format("point {}: {}", number, lost.message));
+    if (!job.tally.lost.empty()) progress.Hide();
+    for (const LostPoint& lost : job.tally.lost) {
+      Note(fmt::format("point {}: {}", tally.points + lost.place + 1, lost.message));
     }
-    tally.points += job.points.size();
-    tally.placed += job.points.size() - job.lost.size();
-    tally.converting += job.converting;
+    tally.Add(job.tally, job.sources, tally.points);
     progress.Update(tally.points * kPointBytes, tally.points);
   };
   pipeline.Run(workers);

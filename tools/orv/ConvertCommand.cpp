@@ -11,6 +11,7 @@
 
 #include "tools/orv/Command.h"
 #include "tools/orv/Conversion.h"
+#include "tools/orv/ConvertHints.h"
 #include "tools/orv/ConvertRun.h"
 #include "tools/orv/SystemArgument.h"
 
@@ -65,7 +66,9 @@ std::unique_ptr<CSDef> ReadSide(const char* option, const std::string& text) {
   try {
     return ReadSystem(text);
   } catch (const UsageError& e) {
-    throw UsageError(fmt::format("{}: {}", option, e.what()));
+    const bool bUnknown = std::string_view(e.what()).starts_with("unknown system");
+    throw UsageError(fmt::format("{}: {}{}", option, e.what(),
+                                 bUnknown ? "; orv list systems --search WORDS finds others" : ""));
   }
 }
 
@@ -106,6 +109,10 @@ int RunConvert(const ConvertOptions& options) {
     ConvertText(input, form, conversion, WorkersOf(options), tally);
   }
   if (!options.report.empty()) WriteReport(options, tally);
+  for (const std::string& hint :
+       Hints({*from, conversion, tally, input.Title(), options.latFirst, options.binary})) {
+    Note(hint);
+  }
   if (options.stats) {
     const double all = Seconds(Clock::now() - start), inside = Seconds(tally.converting);
     const auto points = static_cast<double>(tally.points);

@@ -16,7 +16,7 @@ namespace orv::tool {
 /// There are twice as many blocks as workers, and two; they are used again and again, which bounds the memory.
 ///
 /// read   fills a block; false at the end.
-/// work   is called with the number of the worker, from 0 on; one call at a time for each number.
+/// work   is called by several threads at once, each with a block of its own.
 /// write  gets the blocks in the order in which they were read.
 ///
 /// A failure of any of them ends the run and is thrown by Run.  What was read before it is still written, when
@@ -25,14 +25,14 @@ template <class Block>
 class Pipeline {
  public:
   std::function<bool(Block&)> read;
-  std::function<void(Block&, size_t)> work;
+  std::function<void(Block&)> work;
   std::function<void(Block&)> write;
 
   void Run(size_t workers) {
     if (workers <= 1) {
       Block block;
       while (read(block)) {
-        work(block, 0);
+        work(block);
         write(block);
       }
       return;
@@ -41,7 +41,7 @@ class Pipeline {
     std::vector<std::thread> threads;
     try {
       threads.emplace_back([this] { WriteAll(); });
-      for (size_t i = 0; i < workers; ++i) threads.emplace_back([this, i] { Work(i); });
+      for (size_t i = 0; i < workers; ++i) threads.emplace_back([this] { Work(); });
       ReadAll();
     } catch (...) {
       Fail(std::current_exception());
@@ -95,7 +95,7 @@ class Pipeline {
     }
   }
 
-  void Work(size_t worker) {
+  void Work() {
     for (;;) {
       Slot* slot = nullptr;
       {
@@ -106,7 +106,7 @@ class Pipeline {
         slot->state = Taken;
       }
       try {
-        work(slot->block, worker);
+        work(slot->block);
       } catch (...) {
         slot->failure = std::current_exception();
       }
