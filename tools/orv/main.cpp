@@ -6,10 +6,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "orv/core/ORVGlobals.h"
 #include "orv/shared/Exception.h"
 #include "tools/orv/Command.h"
+#include "tools/orv/OptionTable.h"
 
 namespace orv::tool {
 
@@ -38,6 +40,34 @@ bool IsQuiet() { return g_bQuiet; }
 void Note(const std::string& text) {
   if (!g_bQuiet) Report(text);
 }
+
+namespace {
+
+/// The hidden options with which the build makes completions and manual pages; they stand alone:
+///   --print-completion bash|zsh|fish
+///   --print-man [COMMAND [FILE]]   with the examples of the file; orv is the program itself
+///   --print-commands               one on a line
+/// @return whether it was one of them.
+bool PrintsTable(const CLI::App& app, int argc, char** argv) {
+  const auto argument = [&](int i) { return i < argc ? std::string(argv[i]) : std::string(); };
+  const std::string what = argument(1);
+  if (what != "--print-completion" && what != "--print-man" && what != "--print-commands") return false;
+  const std::vector<CommandRow> table = ReadOptionTable(app);
+  if (what == "--print-man") {
+    const std::string examples = argument(3).empty() ? "" : ReadFile(argument(3));
+    WriteOutput(ManualPageFor(argument(2) == "orv" ? "" : argument(2), table, ORV_VERSION, examples));
+  } else if (what == "--print-commands") {
+    for (const CommandRow& command : table) WriteOutput(command.name.empty() ? "" : command.name + "\n");
+  } else {
+    const std::string text = CompletionFor(argument(2), table);
+    if (text.empty()) throw UsageError("--print-completion: bash, zsh or fish");
+    WriteOutput(text);
+  }
+  FlushOutput();
+  return true;
+}
+
+}  // namespace
 
 }  // namespace orv::tool
 
@@ -75,6 +105,7 @@ int main(int argc, char** argv) {
   AddPlotCommand(app, status);
 
   try {
+    if (PrintsTable(app, argc, argv)) return ExitAllDone;
     app.parse(argc, argv);
     FlushOutput();
   } catch (const CLI::ParseError& e) {
