@@ -29,17 +29,17 @@ void TellGrids(DatumStep& step) {
 
 }  // namespace
 
-std::vector<DatumStep> internal::PlanDatumSteps(const DatumDef& from, const DatumDef& to) {
+std::vector<orv::DatumStep> internal::PlanDatumSteps(const DatumDef& from, const DatumDef& to) {
   DatumConverter(&from, &to).Initialize();  // raises when there is no way
   const DatumList& known = ORVKnownDatumsList;
   std::vector<internal::PlannedStep> plan;
   internal::PlanRoute(from, to, known, {}, plan);
-  std::vector<DatumStep> steps;
+  std::vector<orv::DatumStep> steps;
   for (const internal::PlannedStep& planned : plan) {
-    DatumStep step;
+    orv::DatumStep step;
     if (planned.kind != internal::PlannedStep::Identity) {
       step.direction =
-          planned.kind == internal::PlannedStep::Forward ? DatumStep::Forward : DatumStep::Backward;
+          planned.kind == internal::PlannedStep::Forward ? orv::DatumStep::Forward : orv::DatumStep::Backward;
       step.datum = *planned.datum;
       const int target = known.FindSpecial(step.datum.GetParameters()->target, known.First());
       if (target != 0) step.target = *known.Enum(target);

@@ -14,6 +14,7 @@
 #include "orv/system/CSTransformer.h"
 #include "orv/system/ORVDef.h"
 #include "orv/tables/EllipsoidList.h"
+#include "tests/support/Paths.h"
 
 namespace {
 
@@ -66,7 +67,7 @@ size_t AllocationsOf(Work work) {
 
 class Allocations : public testing::Test {
  protected:
-  static void SetUpTestSuite() { orv::ORVInitialize(ORV_SOURCE_DIR "/data/catalogue", true); }
+  static void SetUpTestSuite() { orv::ORVInitialize(orv::test::CatalogueFolder().c_str(), true); }
   static void TearDownTestSuite() { orv::ORVShutdown(); }
 
   static orv::DatumDef Datum(const char* token) {

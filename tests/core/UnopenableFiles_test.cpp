@@ -89,7 +89,7 @@ INSTANTIATE_TEST_SUITE_P(
                       ListRow{"DatumList", "Failed opening datum configuration file ", LoaderOf<DatumList>(),
                               true},
                       ListRow{"CSList", "Failed opening coordinate systems configuration file ",
-                              LoaderOf<CSList>(), false, "{ type=unref token=T name=N }"}),
+                              LoaderOf<CSList>(), true, "{ type=unref token=T name=N }"}),
     [](const auto& row) { return std::string(row.param.unit); });
 
 }  // namespace

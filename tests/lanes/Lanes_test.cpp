@@ -16,6 +16,7 @@
 
 #include "orv/lanes/Blocks.h"
 #include "tests/lanes/LaneSetups.h"
+#include "tests/support/Paths.h"
 
 namespace {
 
@@ -253,7 +254,7 @@ TEST(Lanes, AllInstructionSetsGiveTheSameBits) {
 // Every compiler and every instruction set must then give them again.  The constants of the set-ups come from the
 // C library, whose last bits differ from one version, and from one kind of processor, to another.
 
-constexpr const char* kTable = ORV_SOURCE_DIR "/tests/lanes/kernel_bits.txt";
+std::string Table() { return orv::test::SourceFolder() + "/tests/lanes/kernel_bits.txt"; }
 
 bool HasTheTablesLibrary() {
 #if defined(__x86_64__) && defined(__GLIBC__)
@@ -288,8 +289,8 @@ TEST(Lanes, ResultsAreThoseOfTheTable) {
     work.run(orv::lanes::Kernels(), Data(points), points.size(), extra);
     text += HashOf(points) + " " + std::to_string(++number) + " " + work.name + "\n";
   }
-  if (std::getenv("ORV_WRITE_KERNEL_BITS")) std::ofstream(kTable, std::ios::binary) << text;
-  std::ifstream file(kTable, std::ios::binary);
+  if (std::getenv("ORV_WRITE_KERNEL_BITS")) std::ofstream(Table(), std::ios::binary) << text;
+  std::ifstream file(Table(), std::ios::binary);
   std::istringstream rows(text);
   std::string row, expected;
   while (std::getline(rows, row)) {

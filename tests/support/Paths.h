@@ -14,5 +14,7 @@ std::string DataFolder();
 std::string CatalogueFolder();
 /// The built command line tool; "" when there is none.
 std::string ToolPath();
+/// The folder in which the build puts manual pages and completions; "" when there is none.
+std::string ShareFolder();
 
 }  // namespace orv::test

@@ -656,7 +656,7 @@ TEST(EllipsoidList, RandomListsComeBackFromTheirFile) {
       EXPECT_STREQ(again.EnumToken(i), list.EnumToken(i));
       EXPECT_STREQ(again.EnumName(i), list.EnumName(i));
       EXPECT_EQ(again.EnumRadius(i), list.EnumRadius(i));
-      EXPECT_NEAR(again.EnumFlattening(i), list.EnumFlattening(i), 1e-16 * list.EnumFlattening(i));
+      EXPECT_NEAR(again.EnumFlattening(i), list.EnumFlattening(i), 4e-16 * list.EnumFlattening(i));
     }
   }
 }

@@ -33,6 +33,10 @@ void FlushOutput();
 std::string ReadFile(const std::string& name);
 /// Writes "orv: ", the text and a line feed to standard error.
 void Report(const std::string& text);
+/// Whether --quiet is given: no messages but those of failures, and no progress.
+bool IsQuiet();
+/// Report, unless IsQuiet.
+void Note(const std::string& text);
 
 // Each adds its subcommand, whose callback stores the exit status.
 void AddConvertCommand(CLI::App& app, int& status);

@@ -8,13 +8,15 @@
 
 namespace orv::tool {
 
-/// orv::Conversion, whose failures come out as they are.
+/// orv::Conversion, whose failures come out as they are.  Serves any number of threads at once.
 class Conversion {
  public:
   Conversion(const CSDef& from, const CSDef& to) : m_Conversion(orv::Conversion::Create(from, to)) {}
 
   /// Converts in place.  A point without a result becomes NaN in both coordinates.
   void Convert(shr::Vec2d* points, size_t count) const;
+  /// The same, and adds the points to the report.
+  void Convert(shr::Vec2d* points, size_t count, ConversionReport& report) const;
 
   bool FromGeographic() const { return m_Conversion.FromGeographic(); }
   bool ToGeographic() const { return m_Conversion.ToGeographic(); }

@@ -1,20 +1,18 @@
 // orv convert: points from one system to another.
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
-#include <cerrno>
+#include <algorithm>
 #include <chrono>
-#include <cmath>
-#include <cstdio>
-#include <cstring>
-#include <limits>
+#include <fstream>
 #include <map>
 #include <memory>
 #include <string>
+#include <thread>
 
 #include "tools/orv/Command.h"
 #include "tools/orv/Conversion.h"
-#include "tools/orv/PointReader.h"
-#include "tools/orv/PointWriter.h"
+#include "tools/orv/ConvertHints.h"
+#include "tools/orv/ConvertRun.h"
 #include "tools/orv/SystemArgument.h"
 
 namespace orv::tool {
@@ -23,7 +21,9 @@ namespace {
 
 const char* const kConvertHelp =
     "x is longitude (degrees, east positive) or easting, y is latitude (degrees, north positive) or northing; always\n"
-    "x first, unless --columns names them otherwise.\n";
+    "x first, unless --columns names them otherwise.  With --lat-first the first of the two columns (of --columns, or 1)\n"
+    "holds the latitude and the second the longitude, in what is read where --from is geographic, and in what is written\n"
+    "where --to is geographic; easting stays in front of northing.\n";
 
 const char* const kTextHelp =
     "Text: one point on each line.  The separator is detected on the first line that is not empty: a tab, else a\n"
@@ -43,8 +43,6 @@ const std::map<std::string, Separator> kSeparators = {{"comma", Separator::Comma
                                                       {"tab", Separator::Tab},
                                                       {"blanks", Separator::Blanks}};
 
-constexpr const char* kNoPlace = "the point has no place in the target system";
-
 struct ConvertOptions {
   std::string from;
   std::string to;
@@ -53,103 +51,48 @@ struct ConvertOptions {
   std::string header = "auto";
   std::string separator = "auto";
   int precision = -1;
+  std::string report;
+  size_t jobs = 0;
+  bool latFirst = false;
   bool binary = false;
   bool stats = false;
 };
 
 using Clock = std::chrono::steady_clock;
 
-/// What has been done, for --stats and the exit status.
-struct Tally {
-  size_t points = 0;
-  size_t lost = 0;
-  Clock::duration converting{};
-};
-
 double Seconds(Clock::duration time) { return std::chrono::duration<double>(time).count(); }
-
-struct CloseFile {
-  void operator()(std::FILE* file) const {
-    if (file != stdin) std::fclose(file);
-  }
-};
-
-std::unique_ptr<std::FILE, CloseFile> OpenInput(const std::string& name) {
-  if (name == "-") return std::unique_ptr<std::FILE, CloseFile>(stdin);
-  std::unique_ptr<std::FILE, CloseFile> file(std::fopen(name.c_str(), "rb"));
-  if (!file) throw UsageError(fmt::format("cannot open '{}': {}", name, std::strerror(errno)));
-  return file;
-}
 
 std::unique_ptr<CSDef> ReadSide(const char* option, const std::string& text) {
   try {
     return ReadSystem(text);
   } catch (const UsageError& e) {
-    throw UsageError(fmt::format("{}: {}", option, e.what()));
+    const bool bUnknown = std::string_view(e.what()).starts_with("unknown system");
+    throw UsageError(fmt::format("{}: {}{}", option, e.what(),
+                                 bUnknown ? "; orv list systems --search WORDS finds others" : ""));
   }
 }
 
-void ConvertBlock(const Conversion& conversion, PointBlock& block, Tally& tally) {
-  const auto start = Clock::now();
-  if (!block.points.empty()) conversion.Convert(block.points.data(), block.points.size());
-  tally.converting += Clock::now() - start;
-}
-
-void ConvertText(const ConvertOptions& options, const Conversion& conversion, std::FILE* input,
-                 Tally& tally) {
-  TextPointReader::Options form;
-  form.geographic = conversion.FromGeographic();
+TextOptions TextOptionsOf(const ConvertOptions& options, const Conversion& conversion) {
+  TextOptions form;
+  form.fromGeographic = conversion.FromGeographic();
+  form.toGeographic = conversion.ToGeographic();
+  form.latFirst = options.latFirst;
+  form.decimals = options.precision >= 0 ? options.precision : conversion.ToGeographic() ? 9 : 4;
   if (options.header != "auto") form.header = options.header == "yes";
   if (options.separator != "auto") form.separator = kSeparators.at(options.separator);
   if (!options.columns.empty()) form.columns = ColumnChoice(options.columns);
-  const int decimals = options.precision >= 0 ? options.precision : conversion.ToGeographic() ? 9 : 4;
-
-  TextPointReader reader(input, form);
-  PointBlock block;
-  std::string output;
-  while (reader.Next(block)) {
-    ConvertBlock(conversion, block, tally);
-    output.clear();
-    AppendText(output, block, reader.FieldSeparator(), reader.CoordinateColumns(), decimals);
-    WriteOutput(output);
-    for (size_t i = 0; i < block.rows.size(); ++i) {
-      const TextRow& row = block.rows[i];
-      if (row.kind == TextRow::Copied) continue;
-      ++tally.points;
-      const bool bad = row.kind == TextRow::Bad;
-      if (!bad && !IsLost(block.points[row.point])) continue;
-      ++tally.lost;
-      Report(fmt::format("line {}: {}", block.first + i, bad ? block.problems[row.point].c_str() : kNoPlace));
-    }
-  }
+  return form;
 }
 
-void ConvertBinary(const Conversion& conversion, std::FILE* input, Tally& tally) {
-  BinaryPointReader reader(input);
-  PointBlock block;
-  std::string output;
-  std::map<size_t, std::string> beyond;
-  while (reader.Next(block)) {
-    beyond.clear();
-    for (size_t i = 0; conversion.FromGeographic() && i < block.points.size(); ++i) {
-      shr::Vec2d& point = block.points[i];
-      if (!(std::fabs(point.y) > 90.0)) continue;
-      beyond[i] = fmt::format("latitude {} is beyond 90 degrees", point.y);
-      point.x = point.y = std::numeric_limits<double>::quiet_NaN();
-    }
-    ConvertBlock(conversion, block, tally);
-    output.clear();
-    AppendBinary(output, block);
-    WriteOutput(output);
-    tally.points += block.points.size();
-    for (size_t i = 0; i < block.points.size(); ++i) {
-      if (!IsLost(block.points[i])) continue;
-      ++tally.lost;
-      const auto reason = beyond.find(i);
-      Report(
-          fmt::format("point {}: {}", block.first + i, reason != beyond.end() ? reason->second : kNoPlace));
-    }
-  }
+size_t WorkersOf(const ConvertOptions& options) {
+  return options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
+}
+
+void WriteReport(const ConvertOptions& options, const ConvertTally& tally) {
+  const std::string text = ReportAsJson(tally, options.from, options.to, options.binary);
+  std::ofstream file(options.report, std::ios::binary);
+  file << text << std::flush;
+  if (!file) throw UsageError(fmt::format("--report: cannot write '{}'", options.report));
 }
 
 int RunConvert(const ConvertOptions& options) {
@@ -157,24 +100,29 @@ int RunConvert(const ConvertOptions& options) {
   const std::unique_ptr<CSDef> from = ReadSide("--from", options.from);
   const std::unique_ptr<CSDef> to = ReadSide("--to", options.to);
   const Conversion conversion(*from, *to);
-  const auto input = OpenInput(options.file);
-  Tally tally;
+  InputFile input(options.file);
+  ConvertTally tally;
   if (options.binary) {
-    ConvertBinary(conversion, input.get(), tally);
+    ConvertBinary(input, options.latFirst, conversion, WorkersOf(options), tally);
   } else {
-    ConvertText(options, conversion, input.get(), tally);
+    TextForm form(TextOptionsOf(options, conversion));
+    ConvertText(input, form, conversion, WorkersOf(options), tally);
   }
-  FlushOutput();
+  if (!options.report.empty()) WriteReport(options, tally);
+  for (const std::string& hint :
+       Hints({*from, conversion, tally, input.Title(), options.latFirst, options.binary})) {
+    Note(hint);
+  }
   if (options.stats) {
     const double all = Seconds(Clock::now() - start), inside = Seconds(tally.converting);
     const auto points = static_cast<double>(tally.points);
     Report(fmt::format(
         "{} points, {} without a result; {:.3f} s, {:.2f} million points/s; conversion alone {:.3f} s, "
         "{:.2f} million points/s",
-        tally.points, tally.lost, all, points / all * 1e-6, inside,
+        tally.points, tally.Lost(), all, points / all * 1e-6, inside,
         inside > 0.0 ? points / inside * 1e-6 : 0.0));
   }
-  return tally.lost == 0 ? ExitAllDone : ExitSomeLost;
+  return tally.Lost() == 0 ? ExitAllDone : ExitSomeLost;
 }
 
 }  // namespace
@@ -204,6 +152,17 @@ void AddConvertCommand(CLI::App& app, int& status) {
   command
       ->add_option("--precision,-p", options->precision, "Decimals; 9 for geographic and 4 for other targets")
       ->check(CLI::Range(0, 20));
+  command->add_flag("--lat-first", options->latFirst,
+                    "Of geographic systems, the first column is the latitude; in and out");
+  command
+      ->add_option("--jobs,-j", options->jobs,
+                   "Threads that convert; as many as the machine has when not given")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1024));
+  command
+      ->add_option("--report", options->report,
+                   "File for a report as JSON: how many points met which fate, the first of each")
+      ->type_name("FILE");
   command->add_flag("--binary,-b", options->binary, "Read and write binary data");
   command->add_flag("--stats", options->stats,
                     "Say on standard error how many points went through and how fast");

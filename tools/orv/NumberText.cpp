@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "orv/convert/internal/TypedText.h"
+#include "tools/orv/FixedNumber.h"
 
 namespace orv::tool {
 
@@ -33,13 +34,8 @@ std::string ShortestNumber(double value) {
 }
 
 void AppendFixed(std::string& out, double value, int decimals) {
-  std::array<char, 384> text;  // 309 digits, a point, a sign and 40 decimals at most
-  const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), value,
-                                          std::chars_format::fixed, decimals < 40 ? decimals : 40);
-  std::string_view number(text.data(), error == std::errc() ? static_cast<size_t>(end - text.data()) : 0);
-  if (number.starts_with('-') && number.find_first_not_of("-0.") == std::string_view::npos)
-    number.remove_prefix(1);
-  out += number;
+  std::array<char, kFixedRoom> text;
+  out.append(text.data(), WriteFixed(text.data(), value, decimals));
 }
 
 }  // namespace orv::tool

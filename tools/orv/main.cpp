@@ -3,13 +3,16 @@
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "orv/core/ORVGlobals.h"
 #include "orv/shared/Exception.h"
 #include "tools/orv/Catalogue.h"
 #include "tools/orv/Command.h"
+#include "tools/orv/OptionTable.h"
 
 namespace orv::tool {
 
@@ -25,7 +28,47 @@ void FlushOutput() {
   }
 }
 
+namespace {
+
+bool g_bQuiet = false;
+
+}  // namespace
+
 void Report(const std::string& text) { fmt::print(stderr, "orv: {}\n", text); }
+
+bool IsQuiet() { return g_bQuiet; }
+
+void Note(const std::string& text) {
+  if (!g_bQuiet) Report(text);
+}
+
+namespace {
+
+/// The hidden options with which the build makes completions and manual pages; they stand alone:
+///   --print-completion bash|zsh|fish
+///   --print-man [COMMAND [FILE]]   with the examples of the file; orv is the program itself
+///   --print-commands               one on a line
+/// @return whether it was one of them.
+bool PrintsTable(const CLI::App& app, int argc, char** argv) {
+  const auto argument = [&](int i) { return i < argc ? std::string(argv[i]) : std::string(); };
+  const std::string what = argument(1);
+  if (what != "--print-completion" && what != "--print-man" && what != "--print-commands") return false;
+  const std::vector<CommandRow> table = ReadOptionTable(app);
+  if (what == "--print-man") {
+    const std::string examples = argument(3).empty() ? "" : ReadFile(argument(3));
+    WriteOutput(ManualPageFor(argument(2) == "orv" ? "" : argument(2), table, ORV_VERSION, examples));
+  } else if (what == "--print-commands") {
+    for (const CommandRow& command : table) WriteOutput(command.name.empty() ? "" : command.name + "\n");
+  } else {
+    const std::string text = CompletionFor(argument(2), table);
+    if (text.empty()) throw UsageError("--print-completion: bash, zsh or fish");
+    WriteOutput(text);
+  }
+  FlushOutput();
+  return true;
+}
+
+}  // namespace
 
 }  // namespace orv::tool
 
@@ -44,6 +87,8 @@ int main(int argc, char** argv) {
          "Folder that is searched first for configuration files")
       ->type_name("FOLDER")
       ->trigger_on_parse();
+  app.add_flag("--quiet,-q", g_bQuiet, "No messages but those of failures, and no progress");
+  app.fallthrough();  // both also behind the subcommand
   app.require_subcommand(1);
   app.failure_message([](const CLI::App*, const CLI::Error& e) {
     return fmt::format("orv: {}\nTry orv --help or orv COMMAND --help.\n", e.what());
@@ -66,6 +111,7 @@ int main(int argc, char** argv) {
   AddWarpCommand(app, status);
 
   try {
+    if (PrintsTable(app, argc, argv)) return ExitAllDone;
     app.parse(argc, argv);
     FlushOutput();
   } catch (const CLI::ParseError& e) {
@@ -75,5 +121,6 @@ int main(int argc, char** argv) {
     Report(e.what());
     return ExitUsage;
   }
-  return status;
+  std::fflush(nullptr);
+  std::_Exit(status);  // taking the lists apart would be a tenth of what a short command takes
 }
