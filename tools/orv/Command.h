@@ -48,5 +48,6 @@ void AddRouteCommand(CLI::App& app, int& status);
 void AddCheckCommand(CLI::App& app, int& status);
 void AddClipCommand(CLI::App& app, int& status);
 void AddPlotCommand(CLI::App& app, int& status);
+void AddBenchCommand(CLI::App& app, int& status);
 
 }  // namespace orv::tool

@@ -103,6 +103,7 @@ int main(int argc, char** argv) {
   AddCheckCommand(app, status);
   AddClipCommand(app, status);
   AddPlotCommand(app, status);
+  AddBenchCommand(app, status);
 
   try {
     if (PrintsTable(app, argc, argv)) return ExitAllDone;
