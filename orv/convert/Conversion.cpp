@@ -248,6 +248,11 @@ Conversion& Conversion::operator=(const Conversion&) = default;
 Conversion& Conversion::operator=(Conversion&&) noexcept = default;
 Conversion::~Conversion() = default;
 
+std::vector<ConversionStage> Conversion::Stages() const {
+  std::vector<ConversionStage> kinds;
+  for (const Worker::Chain::Stage& stage : m_pShared->plan.stages) kinds.push_back(stage.kind);
+  return kinds;
+}
 const CSDef& Conversion::From() const { return *m_pShared->from; }
 const CSDef& Conversion::To() const { return *m_pShared->to; }
 bool Conversion::FromGeographic() const { return m_pShared->fromGeographic; }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 #include "orv/convert/ConversionReport.h"
 #include "orv/core/Export.h"
@@ -11,6 +12,8 @@
 #include "orv/system/CSDef.h"
 
 namespace orv {
+
+struct Explanation;
 
 /// A conversion between two systems, ready to use.  A cheap copyable value: copies share what they hold.
 ///
@@ -74,6 +77,13 @@ class ORV_API Conversion {
 
   /// A worker of the caller's own, for a thread that converts often: the pool is asked once.
   Worker MakeWorker() const;
+
+  /// The plan, told; see Explanation.h.  Reads grid files for their size and checksum; the known lists must be those that
+  /// the conversion was made with.
+  Explanation Explain() const;
+
+  /// The stages that points go through, in order; none when they stay as they are.  Never ConversionStageInput.
+  std::vector<ConversionStage> Stages() const;
 
   /// The systems as they were given.
   const CSDef& From() const;

@@ -38,9 +38,9 @@ class Refusal : public std::runtime_error {
  public:
   explicit Refusal(const std::string& text) : std::runtime_error(text) {}
   /// A format whose arguments are all texts, for %s.
-  template <class... Texts>
-  explicit Refusal(const char* format, const Texts&... texts)
-      : std::runtime_error(internal::Format(format, Raw(texts)...)) {}
+  template <class First, class... Texts>
+  explicit Refusal(const char* format, const First& first, const Texts&... texts)
+      : std::runtime_error(internal::Format(format, Raw(first), Raw(texts)...)) {}
 
  private:
   static const char* Raw(const char* text) { return text; }

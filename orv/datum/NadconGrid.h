@@ -43,6 +43,8 @@ class NadconGrid {
 
   int Columns() const { return m_Columns; }
   int Rows() const { return m_Rows; }
+  double XMin() const { return m_XMin; }
+  double YMin() const { return m_YMin; }
   double Dx() const { return m_Dx; }
   double Dy() const { return m_Dy; }
   /// Shifts of a node, arc-seconds, positive east and north; columns 0 to Columns(), rows 0 to Rows().

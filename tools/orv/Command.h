@@ -48,6 +48,9 @@ void AddRouteCommand(CLI::App& app, int& status);
 void AddCheckCommand(CLI::App& app, int& status);
 void AddClipCommand(CLI::App& app, int& status);
 void AddPlotCommand(CLI::App& app, int& status);
+void AddExplainCommand(CLI::App& app, int& status);
+void AddGridsCommand(CLI::App& app, int& status);
+void AddWarpCommand(CLI::App& app, int& status);
 void AddBenchCommand(CLI::App& app, int& status);
 
 }  // namespace orv::tool

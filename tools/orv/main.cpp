@@ -103,6 +103,9 @@ int main(int argc, char** argv) {
   AddCheckCommand(app, status);
   AddClipCommand(app, status);
   AddPlotCommand(app, status);
+  AddExplainCommand(app, status);
+  AddGridsCommand(app, status);
+  AddWarpCommand(app, status);
   AddBenchCommand(app, status);
 
   try {
