@@ -52,5 +52,6 @@ void AddPlotCommand(CLI::App& app, int& status);
 void AddExplainCommand(CLI::App& app, int& status);
 void AddGridsCommand(CLI::App& app, int& status);
 void AddWarpCommand(CLI::App& app, int& status);
+void AddBenchCommand(CLI::App& app, int& status);
 
 }  // namespace orv::tool

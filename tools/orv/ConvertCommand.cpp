@@ -13,6 +13,7 @@
 #include "tools/orv/Conversion.h"
 #include "tools/orv/ConvertHints.h"
 #include "tools/orv/ConvertRun.h"
+#include "tools/orv/GeoJsonConvert.h"
 #include "tools/orv/SystemArgument.h"
 
 namespace orv::tool {
@@ -35,6 +36,9 @@ const char* const kTextHelp =
     "All other columns, empty lines and line ends are written as they were read.\n"
     "A line that does not parse, or a point that has no place in the target system, is reported as \"orv: line N: ...\",\n"
     "is written with empty coordinates (\"\" between blanks), and makes the exit status 1; nothing is dropped.\n"
+    "GeoJSON: geometries are converted, all else stays as it was, but for bbox and crs, which are left out.  Lines and\n"
+    "polygons are clipped to what the target's projection shows (--no-clip: not); a position that has no place is left\n"
+    "out and reported, and makes the exit status 1.  The whole file is held in memory.\n"
     "Binary: pairs of little-endian 64-bit floating-point numbers, x then y; a point without a result is NaN NaN and\n"
     "is reported as \"orv: point N: ...\".\n";
 
@@ -51,7 +55,9 @@ struct ConvertOptions {
   std::string header = "auto";
   std::string separator = "auto";
   int precision = -1;
+  std::string format = "auto";
   std::string report;
+  bool noClip = false;
   size_t jobs = 0;
   bool latFirst = false;
   bool binary = false;
@@ -72,12 +78,16 @@ std::unique_ptr<CSDef> ReadSide(const char* option, const std::string& text) {
   }
 }
 
+int DecimalsOf(const ConvertOptions& options, const Conversion& conversion) {
+  return options.precision >= 0 ? options.precision : conversion.ToGeographic() ? 9 : 4;
+}
+
 TextOptions TextOptionsOf(const ConvertOptions& options, const Conversion& conversion) {
   TextOptions form;
   form.fromGeographic = conversion.FromGeographic();
   form.toGeographic = conversion.ToGeographic();
   form.latFirst = options.latFirst;
-  form.decimals = options.precision >= 0 ? options.precision : conversion.ToGeographic() ? 9 : 4;
+  form.decimals = DecimalsOf(options, conversion);
   if (options.header != "auto") form.header = options.header == "yes";
   if (options.separator != "auto") form.separator = kSeparators.at(options.separator);
   if (!options.columns.empty()) form.columns = ColumnChoice(options.columns);
@@ -88,11 +98,28 @@ size_t WorkersOf(const ConvertOptions& options) {
   return options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
 }
 
-void WriteReport(const ConvertOptions& options, const ConvertTally& tally) {
-  const std::string text = ReportAsJson(tally, options.from, options.to, options.binary);
+void WriteReport(const ConvertOptions& options, const ConvertTally& tally, bool bText) {
+  const std::string text = ReportAsJson(tally, options.from, options.to, !bText);
   std::ofstream file(options.report, std::ios::binary);
   file << text << std::flush;
   if (!file) throw UsageError(fmt::format("--report: cannot write '{}'", options.report));
+}
+
+bool IsGeoJson(const ConvertOptions& options) {
+  const std::string_view name = options.file;
+  return options.format == "geojson" || (options.format == "auto" && !options.binary &&
+                                         (name.ends_with(".geojson") || name.ends_with(".json")));
+}
+
+void RunGeoJson(const ConvertOptions& options, const CSDef& from, const CSDef& to,
+                const Conversion& conversion, ConvertTally& tally) {
+  if (options.latFirst) throw UsageError("--lat-first: positions of GeoJSON are longitude, latitude");
+  ClipTally clipped;
+  ConvertGeoJson(ReadFile(options.file), options.file, from, to,
+                 {!options.noClip, DecimalsOf(options, conversion)}, tally, clipped);
+  if (clipped.clipped + clipped.dropped == 0) return;
+  Note(fmt::format("{} lines and polygons whole, {} clipped, {} of them split, {} dropped", clipped.whole,
+                   clipped.clipped, clipped.split, clipped.dropped));
 }
 
 int RunConvert(const ConvertOptions& options) {
@@ -102,15 +129,18 @@ int RunConvert(const ConvertOptions& options) {
   const Conversion conversion(*from, *to);
   InputFile input(options.file);
   ConvertTally tally;
-  if (options.binary) {
+  const bool bGeoJson = IsGeoJson(options);
+  if (bGeoJson) {
+    RunGeoJson(options, *from, *to, conversion, tally);
+  } else if (options.binary) {
     ConvertBinary(input, options.latFirst, conversion, WorkersOf(options), tally);
   } else {
     TextForm form(TextOptionsOf(options, conversion));
     ConvertText(input, form, conversion, WorkersOf(options), tally);
   }
-  if (!options.report.empty()) WriteReport(options, tally);
-  for (const std::string& hint :
-       Hints({*from, conversion, tally, input.Title(), options.latFirst, options.binary})) {
+  if (!options.report.empty()) WriteReport(options, tally, !options.binary && !bGeoJson);
+  for (const std::string& hint : Hints({*from, conversion, tally, input.Title(), options.latFirst,
+                                        options.binary || bGeoJson, bGeoJson})) {
     Note(hint);
   }
   if (options.stats) {
@@ -163,6 +193,13 @@ void AddConvertCommand(CLI::App& app, int& status) {
       ->add_option("--report", options->report,
                    "File for a report as JSON: how many points met which fate, the first of each")
       ->type_name("FILE");
+  command
+      ->add_option("--format", options->format,
+                   "What the file holds; auto goes by its name: .geojson and .json")
+      ->check(CLI::IsMember({"auto", "text", "geojson"}))
+      ->capture_default_str();
+  command->add_flag("--no-clip", options->noClip,
+                    "Convert GeoJSON position by position instead of clipping it to what the target shows");
   command->add_flag("--binary,-b", options->binary, "Read and write binary data");
   command->add_flag("--stats", options->stats,
                     "Say on standard error how many points went through and how fast");

@@ -35,6 +35,7 @@ ConversionReport Exchanged(const Conversion& conversion, std::vector<shr::Vec2d>
 }
 
 std::string ExchangeAdvice(const HintQuestion& question) {
+  if (question.bGeoJson) return "GeoJSON has longitude or easting first";
   if (!question.conversion.FromGeographic()) return "they seem to be northing, easting; give --columns 2,1";
   return question.bLatFirst ? "they seem to be longitude, latitude; leave --lat-first out"
                             : "they seem to be latitude, longitude; give --lat-first";

@@ -15,7 +15,8 @@ struct HintQuestion {
   const ConvertTally& tally;
   std::string input;  ///< "standard input", or the name in quotes
   bool bLatFirst;
-  bool bBinary;
+  bool bBinary;  ///< numbers are of points, not of lines
+  bool bGeoJson;
 };
 
 /// Messages, none when all is well: no points at all; lines with too few fields; degrees in a projected system, metres in

@@ -133,14 +133,14 @@ std::vector<GeoFeature> ReadGeoJson(const std::string& text, const std::string& 
   return features;
 }
 
-std::string WriteGeoFeature(const GeoFeature& feature, int decimals) {
+std::string WriteGeoGeometry(const GeoShape& shape, int decimals) {
   std::string lines, polygons;
-  if (!feature.shape.lines.empty()) {
-    lines = Many("MultiLineString", feature.shape.lines,
+  if (!shape.lines.empty()) {
+    lines = Many("MultiLineString", shape.lines,
                  [&](std::string& text, const Line& line) { AppendLine(text, line, false, decimals); });
   }
-  if (!feature.shape.polygons.empty()) {
-    polygons = Many("MultiPolygon", feature.shape.polygons,
+  if (!shape.polygons.empty()) {
+    polygons = Many("MultiPolygon", shape.polygons,
                     [&](std::string& text, const auto& rings) { AppendPolygon(text, rings, decimals); });
   }
   std::string geometry = lines + polygons;
@@ -148,9 +148,14 @@ std::string WriteGeoFeature(const GeoFeature& feature, int decimals) {
     geometry = fmt::format(R"({{"type":"GeometryCollection","geometries":[{},{}]}})", lines, polygons);
   }
   if (geometry.empty()) geometry = "null";
+  return geometry;
+}
+
+std::string WriteGeoFeature(const GeoFeature& feature, int decimals) {
   return fmt::format(R"({{"type":"Feature",{}"properties":{},"geometry":{}}})",
                      feature.id.empty() ? "" : "\"id\":" + feature.id + ",",
-                     feature.properties.empty() ? "null" : feature.properties, geometry);
+                     feature.properties.empty() ? "null" : feature.properties,
+                     WriteGeoGeometry(feature.shape, decimals));
 }
 
 }  // namespace orv::tool

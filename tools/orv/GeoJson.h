@@ -30,10 +30,11 @@ struct GeoFeature {
 /// Raised: UsageError with what is wrong.
 std::vector<GeoFeature> ReadGeoJson(const std::string& text, const std::string& name);
 
-/// One feature as GeoJSON, without a line feed: the shape becomes the simplest geometry that holds it.  Rings
-/// are closed.
+/// The simplest geometry that holds the shape, as GeoJSON; "null" for an empty one.  Rings are closed.
 ///
 /// @param decimals  of the coordinates.
+std::string WriteGeoGeometry(const GeoShape& shape, int decimals);
+/// One feature as GeoJSON, without a line feed.
 std::string WriteGeoFeature(const GeoFeature& feature, int decimals);
 
 }  // namespace orv::tool

@@ -25,6 +25,7 @@ constexpr Signature kSignatures[] = {
     {"\xFE\xFF"sv,
      "is UTF-16 text: make it UTF-8 first, as in iconv -f UTF-16 -t UTF-8 FILE | orv convert ..."},
     {"\0\0\x27\x0A"sv, "is a shapefile: make it GeoJSON first"},
+    {"{"sv, "is JSON, not lines of points: give --format geojson when it is GeoJSON"},
     {"SQLite format 3\0"sv, "is a database (GeoPackage?): make it GeoJSON first"},
 };
 

@@ -109,6 +109,7 @@ int main(int argc, char** argv) {
   AddExplainCommand(app, status);
   AddGridsCommand(app, status);
   AddWarpCommand(app, status);
+  AddBenchCommand(app, status);
 
   try {
     if (PrintsTable(app, argc, argv)) return ExitAllDone;
