@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "orv/datum/DatumDef.h"
+#include "orv/interop/Interchange.h"
 #include "orv/projection/ProjectionDef.h"
 #include "orv/shared/Exception.h"
 #include "orv/system/ORVDef.h"
@@ -24,7 +25,8 @@ namespace orv::tool {
 
 const char* const kSystemArgumentHelp =
     "A system is the token, name, short name or code of a known one (EPSG:32633, 32633, \"WGS 84 / UTM zone 33N\"), or\n"
-    "encoded text (it begins with \"<\"), parameters (they hold a \"=\"), or else the name of a file with either of these:\n"
+    "encoded text (it begins with \"<\"), well-known text, a PROJ string (\"+proj=utm +zone=33 +datum=WGS84\"), parameters\n"
+    "(they hold a \"=\"), or else the name of a file with any of these, such as a .prj file.  Parameters are:\n"
     "  key=value,key=value,...   (in a file also one on each line; a value with a comma stands in double quotes)\n"
     "Keys:\n"
     "  method                    projection method, long or short name; geographic when not given\n"
@@ -327,6 +329,19 @@ std::unique_ptr<CSDef> SystemFromEncodedText(const std::string& text) {
   return system;
 }
 
+bool IsExchangedText(const std::string& text) {
+  return ORVLooksLikeWkt(text) || ORVLooksLikeProjString(text);
+}
+
+std::unique_ptr<CSDef> SystemFromExchangedText(const std::string& text) {
+  LoadCatalogue();
+  try {
+    return ORVReadText(text);
+  } catch (const shr::Exception& e) {
+    throw UsageError(e.Message());
+  }
+}
+
 /// Definitions are small; a file larger than this is something else.
 constexpr size_t kLargestFile = size_t{1} << 20;
 
@@ -347,17 +362,19 @@ std::string ContentOf(const std::string& file) {
 }
 
 std::unique_ptr<CSDef> SystemFromContent(const std::string& text) {
+  if (IsExchangedText(text)) return SystemFromExchangedText(text);
   const size_t first = text.find_first_not_of(" \t\r\n");
   if (first != std::string::npos && text[first] == '<') return SystemFromEncodedText(text.substr(first));
   if (text.find('=') != std::string::npos) return SystemFromParameters(text);
-  throw UsageError("not a definition: neither encoded text nor parameters");
+  throw UsageError("not a definition: neither encoded text, well-known text, a PROJ string nor parameters");
 }
 
 }  // namespace
 
 std::unique_ptr<CSDef> ReadSystem(const std::string& text) {
   if (text.empty()) throw UsageError("the definition is empty");
-  if (text[0] == '<' || text.find('=') != std::string::npos) return SystemFromContent(text);
+  if (text[0] == '<' || text.find('=') != std::string::npos || IsExchangedText(text))
+    return SystemFromContent(text);
   LoadCatalogue();
   if (ORVFindKnown(KnownListSystems, text) != 0) return std::unique_ptr<CSDef>(KnownSystem(text).Clone());
   if (!std::filesystem::exists(text)) {
