@@ -1,7 +1,8 @@
 // MethodMap.h: the one table between the library's projection methods and those of the texts.
 //
 // A row is a method as texts know it, with its parameters as each dialect calls them.  Both directions, and all
-// dialects, walk the same rows; what a row's values mean for the library is in MethodForms.cpp, form by form.
+// dialects, walk the same rows; what a row's values mean for the library is in MethodForms.cpp and
+// MethodChoice.cpp, form by form.
 #pragma once
 
 #include <array>

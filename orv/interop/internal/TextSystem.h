@@ -2,6 +2,8 @@
 // library's own definitions.
 #pragma once
 
+#include <cmath>
+#include <memory>
 #include <string>
 
 #include "orv/interop/Interchange.h"
@@ -80,6 +82,13 @@ TextUnit AngleUnit(double degrees);
 
 /// A longitude from some meridian counted from Greenwich, in (-180, 180].
 double FoldMeridian(double longitude, double meridian);
+
+/// Degrees.  Deliberate: the engine's set-up loses half the digits at exactly 90 degrees, up to 9 cm; 0.7 seconds less
+/// cost half a millimetre.  The catalogue does the same.
+inline constexpr double kAzimuthBeside90 = 89.9998;
+
+/// Whether two latitudes, degrees, are one but for rounding.
+inline bool SameLatitude(double a, double b) { return std::fabs(a - b) < 1e-9; }
 
 /// Degrees of a geographic system's own count as a map: the scale of an Equidistant Cylindrical.
 inline constexpr double kAngleSphereRadius = 6378137.0;
