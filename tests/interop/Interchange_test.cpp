@@ -221,7 +221,8 @@ const std::string kBessel = "6377397.155,299.1528128", kGrs80 = "6378137,298.257
 TEST_F(Interchange, ADatumIsFoundByShiftCodeOrName) {
   const std::string dhdn = ",TOWGS84[598.1,73.7,418.2,0.202,0.045,-2.455,6.7]";
   const auto token = [](const std::string& text) {
-    const char* const found = ORVReadText(text)->GetDatum()->GetToken();
+    const std::unique_ptr<ORVDef> system = ORVReadText(text);
+    const char* const found = system->GetDatum()->GetToken();
     return std::string(found ? found : "");
   };
   EXPECT_EQ(token(Geographic("y", kBessel, dhdn + ",AUTHORITY[\"EPSG\",\"6314\"]", "")), "EPSG:6314");
