@@ -238,6 +238,7 @@ def well_known_text():
         "extension": wkt1.replace(axes, ',EXTENSION["PROJ4","+proj=merc +a=6377397.155 +b=6377397.155 +nadgrids=@null"]'),
         "utm": "+proj=utm +zone=33 +south +datum=WGS84 +units=us-ft +no_defs",
         "lcc": "+proj=lcc +lat_1=49 +lat_2=44 +lat_0=46.5 +lon_0=3 +x_0=700000 +ellps=GRS80 +towgs84=0,0,0 +pm=paris",
+        "far": "+proj=longlat +ellps=intl +towgs84=1e39,0,0",
         "longlat": "+proj=longlat +a=6377397 +rf=299 +pm=2.5",
         "empty": "",
     })

@@ -294,14 +294,16 @@ std::unique_ptr<ORVDef> DefinitionOf(const TextSystem& t) {
   auto system = std::make_unique<ORVDef>();
   system->SetName(t.name.c_str());
   system->SetPOSC(t.code);
-  system->SetDatum(&datum);
   const ORVDef* const alike = AlikeOn(datum, projection);
   const ProjectionDef& form = alike ? *alike->GetProjection() : projection;
   std::string why;
-  if (form.CheckParameters(why) != ProjectionParameterIDNone) {
+  const bool isFaulty = datum.CheckParameters(why) != DatumParameterIDNone ||
+                        form.CheckParameters(why) != ProjectionParameterIDNone;
+  if (isFaulty) {
     ORV_FAIL(ErrBadParameter, "Line %d, column %d: the system is not valid: %s", t.place.line, t.place.column,
              why.c_str());
   }
+  system->SetDatum(&datum);
   system->SetProjection(&form);
   return system;
 }

@@ -42,6 +42,7 @@ class ToText {
     // The unit is the nearest known one; what is left is a factor of the map.  Forms that have no place for it take a
     // unit of the very size.
     const double exact = 1.0 / p.Scale;
+    if (!(exact >= 1e-12) || !(exact <= 1e12)) Refuse("its Scale is that of no unit of 1e-12 to 1e12 metres");
     t.length = LengthUnit(exact, 1e-7);
     if (t.length.code == 0 && p.method == ProjectionMethodLambert) t.length = LengthUnit(exact, 0.02);
     m_Factor = p.Scale * t.length.size;

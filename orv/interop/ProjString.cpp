@@ -254,7 +254,7 @@ class Reader {
       size = NumberOf(*item, std::string_view(item->value).substr(0, slash));
       if (slash != std::string::npos)
         size /= NumberOf(*item, std::string_view(item->value).substr(slash + 1));
-      if (!(size > 0.0) || !(size < 1e12)) Refuse(*item, "its unit is not above 0");
+      if (!(size >= 1e-12) || !(size <= 1e12)) Refuse(*item, "its unit is not of 1e-12 to 1e12 metres");
     }
     t.length = LengthUnit(size, 1e-13);
     if (t.length.code == 0) t.length.size = size;

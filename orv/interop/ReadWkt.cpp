@@ -69,7 +69,7 @@ int CodeOf(const WktNode& node) {
 
 double UnitSize(const WktNode& unit) {
   const double size = NeedNumber(unit, 1, "the size of the unit");
-  if (!(size > 0.0) || !(size < 1e12)) Expected(unit, "a size above 0");
+  if (!(size >= 1e-12) || !(size <= 1e12)) Expected(unit, "a size from 1e-12 to 1e12");
   return size;
 }
 TextUnit AngleOf(const WktNode& unit) {

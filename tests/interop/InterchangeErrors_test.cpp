@@ -52,7 +52,7 @@ const BadText kSyntax[] = {
     {"GEOGCS[\"x\",DATUM[\"y\",SPHEROID[\"z\"]],UNIT[\"d\",1]]", 1026, "Line 1, column 22: expected the major radius in SPHEROID."},
     {"GEOGCS[\"x\",DATUM[\"y\",SPHEROID[\"z\",6]],UNIT[\"d\",1]]", 1026, "Line 1, column 22: expected the inverse flattening in SPHEROID."},
     {"GEOGCS[\"x\",DATUM[\"y\",SPHEROID[\"z\",6,0]]]", 1026, "Line 1, column 1: expected UNIT in GEOGCS."},
-    {"GEOGCS[\"x\",DATUM[\"y\",SPHEROID[\"z\",6,0]],UNIT[\"d\",0]]", 1026, "Line 1, column 41: expected a size above 0 in UNIT."},
+    {"GEOGCS[\"x\",DATUM[\"y\",SPHEROID[\"z\",6,0]],UNIT[\"d\",0]]", 1026, "Line 1, column 41: expected a size from 1e-12 to 1e12 in UNIT."},
     {"GEOGCS[\"x\",DATUM[\"y\",SPHEROID[\"z\",6,0],TOWGS84[1,2]],UNIT[\"d\",1]]", 1026, "Line 1, column 40: expected three or seven numbers in TOWGS84."},
     {"GEOGCS[\"x\",DATUM[\"y\",SPHEROID[\"z\",-6,0]],UNIT[\"d\",1]]", 1032, "Line 1, column 1: expected an ellipsoid with a radius above 0 and a flattening from 0 to 1."},
     {"GEOGCS[\"x\",DATUM[\"y\",SPHEROID[\"z\",6,0.5]],UNIT[\"d\",1]]", 1032, "Line 1, column 1: expected an ellipsoid with a radius above 0 and a flattening from 0 to 1."},
@@ -67,10 +67,12 @@ const BadText kSyntax[] = {
     {"+proj=merc +ellps=intl +ellps=intl", 1026, "Line 1, column 24: expected 'ellps' only once."},
     {"+proj=merc + +ellps=intl", 1026, "Line 1, column 12: expected '+key' or '+key=value'."},
     {"+proj=merc +ellps=intl +towgs84=1,2", 1026, "Line 1, column 24: expected three or seven numbers in +towgs84."},
+    {"+proj=longlat +ellps=intl +towgs84=1e39,0,0", 1032, "Line 1, column 1: the system is not valid: Invalid X displacement parameter."},
     {"+init=epsg:4326", 1026, "Line 1, column 1: expected +proj= in a PROJ string."},
     {"+proj=merc +ellps=none", 1032, "Line 1, column 12: the system cannot be expressed: PROJ's documentation lists no such ellipsoid."},
     {"+proj=merc +datum=none", 1032, "Line 1, column 12: the system cannot be expressed: PROJ's documentation lists no such datum."},
     {"+proj=merc +ellps=intl +units=none", 1032, "Line 1, column 24: the system cannot be expressed: PROJ's documentation lists no such unit."},
+    {"+proj=merc +ellps=intl +to_meter=0", 1032, "Line 1, column 24: the system cannot be expressed: its unit is not of 1e-12 to 1e12 metres."},
     {"+proj=merc +ellps=intl +nadgrids=a.gsb", 1032, "Line 1, column 24: the system cannot be expressed: its datum is converted by grids."},
     {"+proj=merc +ellps=intl +axis=wsu", 1032, "Line 1, column 24: the system cannot be expressed: x is the easting and y the northing here."},
     {"+proj=merc +ellps=intl +geoidgrids=a", 1032, "Line 1, column 24: the parameter 'geoidgrids' cannot be expressed."},
@@ -177,6 +179,13 @@ TEST_F(InterchangeRefusals, OfWriting) {
           "The system cannot be written as WKT2:2019: its projection is unknown.");
   refuses(nullptr, nullptr, TextDialectWkt2,
           "The system cannot be written as WKT2:2019: it has no ellipsoid.");
+  ProjectionParameters tiny = p;
+  tiny.Scale = 1e-13;
+  const ProjectionDef unitless(tiny);
+  refuses(
+      nullptr, &unitless, TextDialectWkt2,
+      "The projection 'Transverse Mercator' cannot be written as WKT2:2019: its Scale is that of no unit of 1e-12 to "
+      "1e12 metres.");
   const ORVDef plain(&shifted, &projection, nullptr);
   EXPECT_RAISES(ORVWriteText(plain, static_cast<TextDialect>(7)), 1032, "Interchange",
                 "Bad parameter to function call.");
