@@ -88,7 +88,9 @@ class Wkt1 {
   WktNode Geographic(const std::string& name, int code, bool isWhole) const {
     WktNode node = WktNode::Of("GEOGCS").With(m_IsEsri ? "GCS_" + GcsName(name) : name);
     node.Add(Datum());
-    WktNode prime = WktNode::Of("PRIMEM").With(t.meridianName).With(t.meridian);
+    // Known meridians stand in degrees in both dialects; others in the unit of the system, as the standard has it.
+    const double meridian = t.meridianName == "unnamed" ? Tidied(t.meridian / t.angle.size) : t.meridian;
+    WktNode prime = WktNode::Of("PRIMEM").With(t.meridianName).With(meridian);
     if (!m_IsEsri && t.meridian == 0.0) prime.Add(Authority(8901));
     node.Add(prime);
     node.Add(Unit(t.angle, Tidied(ToRadians(t.angle.size))));

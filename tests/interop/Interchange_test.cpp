@@ -362,6 +362,16 @@ TEST_F(Interchange, TextsOfKnownSystems) {
   EXPECT_EQ(ORVReadText(indented)->GetPOSC(), 4326);
 }
 
+TEST_F(Interchange, AnUnknownMeridianIsInTheUnitOfTheSystem) {
+  const auto own = ORVReadText(
+      R"~(GEOGCS["x",DATUM["x",SPHEROID["x",6378388,297]],PRIMEM["x",5],UNIT["grad",0.0157079632679489]])~");
+  EXPECT_NEAR(own->GetProjection()->GetParameter(kLon0), 4.5, 1e-13);
+  for (const TextDialect dialect : {TextDialectWkt2, TextDialectWkt1Gdal, TextDialectWkt1Esri}) {
+    const auto back = ORVReadText(ORVWriteText(*own, dialect));
+    EXPECT_NEAR(back->GetProjection()->GetParameter(kLon0), 4.5, 1e-12) << ORVTextDialectName(dialect);
+  }
+}
+
 TEST_F(Interchange, NumbersDoNotDependOnTheLocale) {
   const std::string before = ORVWriteText(System("EPSG:31467"), TextDialectWkt2);
   const test::CommaLocale locale;
