@@ -213,7 +213,39 @@ def zips():
     })
 
 
+def well_known_text():
+    base = ('GEOGCS["DHDN",DATUM["Deutsches_Hauptdreiecksnetz",SPHEROID["Bessel 1841",6377397.155,299.1528128],'
+            'TOWGS84[598.1,73.7,418.2,0.202,0.045,-2.455,6.7]],PRIMEM["Greenwich",0],UNIT["degree",0.0174532925199433]]')
+    axes = ',AXIS["Easting",EAST],AXIS["Northing",NORTH],AUTHORITY["EPSG","31467"]'
+    parameters = ''.join(f',PARAMETER["{name}",{value}]' for name, value in [
+        ("latitude_of_origin", 50), ("central_meridian", 9), ("scale_factor", 1), ("false_easting", 3500000)])
+    wkt1 = f'PROJCS["x",{base},PROJECTION["Transverse_Mercator"]{parameters},UNIT["metre",1]{axes}]'
+    geographic2 = ('GEOGCRS["x",DATUM["x",ELLIPSOID["b",6377397.155,299.1528128,LENGTHUNIT["metre",1]]],PRIMEM["Paris",2.5969213,'
+                   'ANGLEUNIT["grad",0.0157079632679489]],CS[ellipsoidal,2],AXIS["lat",north],AXIS["lon",east],'
+                   'ANGLEUNIT["grad",0.0157079632679489]]')
+    wgs84 = 'GEOGCRS["WGS 84",DATUM["World Geodetic System 1984",ELLIPSOID["WGS 84",6378137,298.257223563]],ID["EPSG",4326]]'
+    wkt2 = ('PROJCRS["x",BASEGEOGCRS["x",DATUM["x",ELLIPSOID["b",6377397,299]]],CONVERSION["c",METHOD["Polar Stereographic (variant '
+            'B)",ID["EPSG",9829]],PARAMETER["Latitude of standard parallel",71,ANGLEUNIT["degree",0.0174532925199433]],PARAMETER['
+            '"Longitude of origin",-45]],CS[Cartesian,2],AXIS["e",south,MERIDIAN[45]],AXIS["n",south,MERIDIAN[135]],LENGTHUNIT["m",1]]')
+    write("wkt", {
+        "wkt1": wkt1,
+        "geographic": base,
+        "wkt2": wkt2,
+        "bound": f'BOUNDCRS[SOURCECRS[{geographic2}],TARGETCRS[{wgs84}],ABRIDGEDTRANSFORMATION["t",METHOD["Coordinate Frame"],'
+                 'PARAMETER["X-axis translation",1],PARAMETER["Z-axis rotation",2],PARAMETER["Scale difference",1.000001]]]',
+        "lambert": wkt1.replace("Transverse_Mercator", "Lambert_Conformal_Conic_1SP"),
+        "hotine": wkt1.replace("Transverse_Mercator", "Hotine_Oblique_Mercator").replace("scale_factor", "azimuth"),
+        "extension": wkt1.replace(axes, ',EXTENSION["PROJ4","+proj=merc +a=6377397.155 +b=6377397.155 +nadgrids=@null"]'),
+        "utm": "+proj=utm +zone=33 +south +datum=WGS84 +units=us-ft +no_defs",
+        "lcc": "+proj=lcc +lat_1=49 +lat_2=44 +lat_0=46.5 +lon_0=3 +x_0=700000 +ellps=GRS80 +towgs84=0,0,0 +pm=paris",
+        "far": "+proj=longlat +ellps=intl +towgs84=1e39,0,0",
+        "longlat": "+proj=longlat +a=6377397 +rf=299 +pm=2.5",
+        "empty": "",
+    })
+
+
 encoded_text()
+well_known_text()
 nadcon()
 ntv2()
 zips()

@@ -18,6 +18,7 @@
 #include "orv/datum/DatumDef.h"
 #include "orv/datum/DatumList.h"
 #include "orv/datum/GridFiles.h"
+#include "orv/interop/Interchange.h"
 #include "orv/projection/ProjectionClip.h"
 #include "orv/projection/ProjectionDef.h"
 #include "orv/projection/Projector.h"

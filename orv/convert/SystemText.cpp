@@ -15,6 +15,7 @@
 #include "orv/core/internal/Text.h"
 #include "orv/datum/DatumDef.h"
 #include "orv/datum/DatumList.h"
+#include "orv/interop/Interchange.h"
 #include "orv/projection/ProjectionDef.h"
 #include "orv/shared/Exception.h"
 #include "orv/system/CSList.h"
@@ -350,6 +351,14 @@ std::string ContentOf(const std::string& file) {
 
 // ---- the forms of a definition -----------------------------------------------------------------------------
 
+std::unique_ptr<CSDef> SystemFromExchangedText(const std::string& text) {
+  try {
+    return ORVReadText(text);
+  } catch (const shr::Exception& e) {
+    throw Refusal("%s", e.Message());
+  }
+}
+
 /// A way to write a definition.
 struct Form {
   bool (*matches)(const std::string& text);
@@ -360,6 +369,8 @@ struct Form {
 /// is another row.
 constexpr Form kForms[] = {
     {[](const std::string& text) { return text[0] == '<'; }, SystemFromEncodedText},
+    {[](const std::string& text) { return ORVLooksLikeWkt(text) || ORVLooksLikeProjString(text); },
+     SystemFromExchangedText},
     {[](const std::string& text) { return text.find('=') != std::string::npos; }, SystemFromParameters},
 };
 
@@ -375,7 +386,9 @@ std::unique_ptr<CSDef> SystemFromFile(const std::string& file) {
   std::string content = ContentOf(file);
   content.erase(0, std::min(content.find_first_not_of(" \t\r\n"), content.size()));
   const Form* const form = FormOf(content);
-  if (!form) throw Refusal("%s: not a definition: neither encoded text nor parameters", file);
+  if (!form)
+    throw Refusal("%s: not a definition: neither encoded text, well-known text, a PROJ string nor parameters",
+                  file);
   try {
     return form->read(content);
   } catch (const Refusal& refusal) {

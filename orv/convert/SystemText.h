@@ -11,8 +11,9 @@ namespace orv {
 
 /// Reads SYSTEM:
 ///
-///   SYSTEM      encoded text (it begins with "<"); or parameters (they hold a "="); or else what names a
-///               known system, see ORVFindKnown; or else the name of a file with encoded text or parameters
+///   SYSTEM      encoded text (it begins with "<"); or well-known text or a PROJ string, see ORVReadText; or
+///               parameters (they hold a "="); or else what names a known system, see ORVFindKnown; or else the
+///               name of a file with any of these texts, such as a .prj file
 ///   parameters  item { ("," | line end) item };  an empty item counts for nothing
 ///   item        key "=" value;  blanks around both are dropped
 ///   value       text up to the next "," or line end, or text in double quotes, in which "" is a quote

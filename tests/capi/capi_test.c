@@ -122,8 +122,8 @@ static void test_systems(void) {
   orv_system_destroy(copy);
 
   system = geographic;
-  EXPECT(orv_system_create("EPSG:3263", &system) == ORV_ERROR_DEFINITION);
-  EXPECT(is_last(ORV_ERROR_DEFINITION, 1032, "EPSG:3263"));
+  EXPECT(orv_system_create("EPSG:99999", &system) == ORV_ERROR_DEFINITION);
+  EXPECT(is_last(ORV_ERROR_DEFINITION, 1032, "EPSG:99999"));
   EXPECT(system == geographic); /* as it was */
   EXPECT(orv_system_create(NULL, &system) == ORV_ERROR_ARGUMENT);
   EXPECT(orv_system_create("4326", NULL) == ORV_ERROR_ARGUMENT);
@@ -221,7 +221,7 @@ static void test_conversions_that_fail(void) {
   EXPECT(conversion == NULL);
   orv_system_destroy(other);
 
-  conversion = plan("datum.method=NTV2,datum.target=NAD83,datum.ellipsoid=EPSG:7008", "datum=NAD83");
+  conversion = plan("datum.method=NTV2,datum.target=NAD83", "datum=NAD83");
   EXPECT(orv_conversion_points(conversion, xy, 1, NULL) == ORV_ERROR_GRIDS);
   EXPECT(is_last(ORV_ERROR_GRIDS, 1034, ""));
   orv_conversion_destroy(conversion);

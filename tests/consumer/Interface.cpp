@@ -84,6 +84,11 @@ int UsePublicInterface() {
   Use(static_cast<void (*)(ORVTraceCallback, void*)>(&orv::ORVSetTraceCallback));
   Use(static_cast<std::vector<KnownEntry> (*)(KnownList)>(&orv::ORVKnownEntries));
   Use(static_cast<int (*)(KnownList, std::string_view)>(&orv::ORVFindKnown));
+  Use(static_cast<std::string (*)(const ORVDef&, TextDialect, bool)>(&orv::ORVWriteText));
+  Use(static_cast<std::unique_ptr<ORVDef> (*)(std::string_view)>(&orv::ORVReadText));
+  Use(static_cast<bool (*)(std::string_view)>(&orv::ORVLooksLikeWkt));
+  Use(static_cast<bool (*)(std::string_view)>(&orv::ORVLooksLikeProjString));
+  Use(static_cast<const char* (*)(TextDialect)>(&orv::ORVTextDialectName));
   Use(static_cast<std::vector<KnownEntry> (*)(KnownList, std::string_view, size_t)>(&orv::ORVSearchKnown));
   Use(static_cast<std::vector<KnownEntry> (*)(KnownList, std::string_view, size_t)>(&orv::ORVNearestKnown));
   Use(static_cast<std::vector<DatumStep> (*)(const DatumDef&, const DatumDef&)>(&orv::ORVPlanDatumRoute));

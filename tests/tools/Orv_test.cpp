@@ -630,7 +630,8 @@ TEST(OrvDef, EachMistakeHasItsMessage) {
   }
   const ScratchFile noDefinition("hello\n"), wrong("method=Merc\nLon0=9\n");
   EXPECT_EQ(RunOrv({"def", noDefinition.Path()}).err,
-            "orv: " + noDefinition.Path() + ": not a definition: neither encoded text nor parameters\n");
+            "orv: " + noDefinition.Path() +
+                ": not a definition: neither encoded text, well-known text, a PROJ string nor parameters\n");
   EXPECT_EQ(RunOrv({"def", wrong.Path()}).err,
             "orv: " + wrong.Path() +
                 ": no ellipsoid: give ellipsoid, or a with f or rf, or a datum that has one\n");

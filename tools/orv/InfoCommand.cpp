@@ -7,6 +7,7 @@
 
 #include "orv/datum/DatumDef.h"
 #include "orv/datum/DatumList.h"
+#include "orv/interop/Interchange.h"
 #include "orv/shared/Exception.h"
 #include "orv/system/CSList.h"
 #include "orv/system/ORVDef.h"
@@ -63,11 +64,32 @@ struct InfoOptions {
   std::string what;
   std::string kind = "system";
   bool json = false;
+  bool wkt2 = false, wkt1 = false, esri = false, proj = false;
+
+  bool AsText() const { return wkt2 || wkt1 || esri || proj; }
 };
+
+/// The system in the dialect that was asked for.
+void WriteText(const CSDef& system, const InfoOptions& options) {
+  if (system.Type() != CSTypeORV) throw UsageError("a local system has no such text");
+  const TextDialect dialect = options.wkt2   ? TextDialectWkt2
+                              : options.wkt1 ? TextDialectWkt1Gdal
+                              : options.esri ? TextDialectWkt1Esri
+                                             : TextDialectProj;
+  try {
+    // A .prj file is one line.
+    WriteOutput(ORVWriteText(static_cast<const ORVDef&>(system), dialect, !options.esri) + "\n");
+  } catch (const shr::Exception& e) {
+    throw UsageError(e.Message());
+  }
+}
 
 int RunInfo(const InfoOptions& options) {
   LoadCatalogue();
-  if (options.kind == "datum") {
+  if (options.AsText()) {
+    if (options.kind != "system") throw UsageError("only a system has such a text");
+    WriteText(*ReadSystem(options.what), options);
+  } else if (options.kind == "datum") {
     const DatumDef& datum = KnownDatum(options.what);
     Json json = DescribeDatum(datum);
     if (!datum.IsUnknown()) AddRouteToWgs84(json, datum);
@@ -119,7 +141,14 @@ void AddInfoCommand(CLI::App& app, int& status) {
   command->add_option("--kind", options->kind, "What it names")
       ->check(CLI::IsMember({"system", "datum", "ellipsoid"}))
       ->capture_default_str();
-  command->add_flag("--json", options->json, "As JSON");
+  auto* const forms = command->add_option_group("form", "How it is shown");
+  forms->add_flag("--json", options->json, "As JSON");
+  forms->add_flag("--wkt", options->wkt2, "A system as well-known text, WKT2:2019");
+  forms->add_flag("--wkt1", options->wkt1, "A system as well-known text, WKT1 of GDAL");
+  forms->add_flag("--esri", options->esri,
+                  "A system as well-known text, WKT1 of ESRI: the content of a .prj file");
+  forms->add_flag("--proj", options->proj, "A system as a PROJ string");
+  forms->require_option(0, 1);
   command->footer(kSystemArgumentHelp);
   command->callback([options, &status] { status = RunInfo(*options); });
 }

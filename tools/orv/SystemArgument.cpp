@@ -10,7 +10,8 @@ namespace orv::tool {
 
 const char* const kSystemArgumentHelp =
     "A system is the token, name, short name or code of a known one (EPSG:32633, 32633, \"WGS 84 / UTM zone 33N\"), or\n"
-    "encoded text (it begins with \"<\"), parameters (they hold a \"=\"), or else the name of a file with either of these:\n"
+    "encoded text (it begins with \"<\"), well-known text, a PROJ string (\"+proj=utm +zone=33 +datum=WGS84\"), parameters\n"
+    "(they hold a \"=\"), or else the name of a file with any of these, such as a .prj file.  Parameters are:\n"
     "  key=value,key=value,...   (in a file also one on each line; a value with a comma stands in double quotes)\n"
     "Keys:\n"
     "  method                    projection method, long or short name; geographic when not given\n"
