@@ -31,15 +31,18 @@ class Tracer {
   Tracer(const ClipArea& area, const ClipRim& rim, const ClipOptions& options, ClipGap& gap)
       : m_Area(area), m_Rim(rim), m_Options(options), m_Gap(gap) {}
 
-  void Run() {
+  /// @param bProbeWhole  the probes of the whole gap stand in the trace wherever they lie on the gap in order; parts
+  ///                     come between them.
+  void Run(bool bProbeWhole) {
     m_Gap.points.clear();
     if (m_Gap.bStraight) return;
     const Stop from = {m_Gap.from, m_Gap.s0}, to = {m_Gap.to, m_Gap.s1};
-    // The probes of the whole gap stand in the ring wherever they lie on the gap in order; parts come between them.
-    std::vector<shr::Vec2d> found;
-    FollowClipEdge(m_Area, &from.at, &to.at, found, m_Options.probes);
     std::vector<Stop> stops = {from};
-    if (!Place(from, to, found, stops)) stops = {from};
+    if (bProbeWhole) {
+      std::vector<shr::Vec2d> found;
+      FollowClipEdge(m_Area, &from.at, &to.at, found, m_Options.probes);
+      if (!Place(from, to, found, stops)) stops = {from};
+    }
     stops.push_back(to);
     for (size_t i = 0; i + 1 < stops.size(); ++i) {
       if (i > 0) m_Gap.points.push_back(stops[i].at);
@@ -267,23 +270,50 @@ void MarkPassedRings(const ClipRim& rim, const std::vector<ClipGap>& gaps,
   }
 }
 
+/// The edges of a gap's trace: visit(from, to).
+template <class Visit>
+void ForEdges(const ClipGap& gap, Visit visit) {
+  shr::Vec2d last = gap.from;
+  for (const shr::Vec2d& p : gap.points) {
+    visit(last, p);
+    last = p;
+  }
+  visit(last, gap.to);
+}
+
 std::vector<TracedEdge> EdgesOf(const std::vector<ClipGap>& gaps) {
   std::vector<TracedEdge> edges;
   for (size_t i = 0; i < gaps.size(); ++i) {
-    shr::Vec2d last = gaps[i].from;
-    for (const shr::Vec2d& p : gaps[i].points) {
-      edges.push_back({last, p, i});
-      last = p;
-    }
-    edges.push_back({last, gaps[i].to, i});
+    ForEdges(gaps[i], [&](const shr::Vec2d& a, const shr::Vec2d& b) { edges.push_back({a, b, i}); });
   }
   return edges;
+}
+
+/// Whether an edge turns back on the one before it: the rim turns by a right angle at most.
+bool TurnsBack(const TracedEdge& before, const TracedEdge& e) {
+  const double dot =
+      (before.b.x - before.a.x) * (e.b.x - e.a.x) + (before.b.y - before.a.y) * (e.b.y - e.a.y);
+  return dot < -0.5 * Distance(before.a, before.b) * Distance(e.a, e.b);
+}
+
+/// Whether edges of the trace meet other than at a common end, or turn back there.
+bool MeetsItself(const ClipGap& gap) {
+  std::vector<TracedEdge> edges;  // each counts as a gap of its own
+  ForEdges(gap, [&](const shr::Vec2d& a, const shr::Vec2d& b) { edges.push_back({a, b, edges.size()}); });
+  EdgeGrid grid(edges);
+  bool bMeets = false;
+  for (size_t i = 1; i < edges.size(); ++i) bMeets = bMeets || TurnsBack(edges[i - 1], edges[i]);
+  for (const TracedEdge& e : edges) grid.Query(e.a, e.b, e.gap, [&](size_t) { bMeets = true; });
+  return bMeets;
 }
 
 }  // namespace
 
 void TraceGap(const ClipArea& area, const ClipRim& rim, const ClipOptions& options, ClipGap& gap) {
-  Tracer(area, rim, options, gap).Run();
+  Tracer tracer(area, rim, options, gap);
+  tracer.Run(true);
+  // Beside a pole the rim turns by many degrees within the probes' own tolerance.
+  if (MeetsItself(gap)) tracer.Run(false);
 }
 
 void SeparateGaps(const ClipArea& area, const ClipRim& rim, const ClipOptions& options,
