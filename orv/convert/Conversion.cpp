@@ -29,6 +29,7 @@
 #include "orv/system/CSList.h"
 #include "orv/system/CSTransformer.h"
 #include "orv/system/ORVDef.h"
+#include "orv/system/internal/Georeferenced.h"
 #include "orv/warp/WarpDef.h"
 
 ORV_UNIT("Conversion")
@@ -37,16 +38,13 @@ namespace orv {
 
 namespace {
 
+using internal::Georeferenced;
 using internal::IsMarked;
 using internal::Mark;
 
 /// Points go through all stages block by block, while a block is in the first-level cache: what looks at them in
 /// addition then costs no way to the memory.
 constexpr size_t kBlock = lanes::kBlockPoints;
-
-const ORVDef* Georeferenced(const CSDef& system) {
-  return system.Type() == CSTypeORV ? static_cast<const ORVDef*>(&system) : nullptr;
-}
 
 bool IsProjected(const ORVDef& system) { return system.HasProjection(false, true); }
 

@@ -1,6 +1,7 @@
 #include "orv/convert/DatumRoute.h"
 
 #include "orv/convert/internal/DatumSteps.h"
+#include "orv/convert/internal/GridPlaces.h"
 #include "orv/core/ORVGlobals.h"
 #include "orv/datum/DatumConverter.h"
 #include "orv/datum/DatumList.h"
@@ -18,7 +19,7 @@ void TellGrids(DatumStep& step) {
   const DatumMethod method = step.datum.GetMethod();
   if (method == DatumMethodNADCON) {
     const char* const folder = ORVGetNadconGridPath();
-    step.grids = folder ? folder : "NADGRIDS.ZIP, or .los with .las files, in one of the usual folders";
+    step.grids = folder ? folder : std::string(internal::kNadconFiles) + ", in one of the usual folders";
     step.gridsFound = internal::Grids().LoadNadcon();
   } else if (method == DatumMethodNTV2) {
     const char* const name = ORVGetNTv2GridFile();

@@ -1,9 +1,6 @@
 #include "orv/convert/Explanation.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cstdlib>
 #include <limits>
 #include <string_view>
 
@@ -15,6 +12,7 @@
 #include "orv/projection/ProjectionDef.h"
 #include "orv/shared/Exception.h"
 #include "orv/system/ORVDef.h"
+#include "orv/system/internal/Georeferenced.h"
 #include "orv/warp/WarpDef.h"
 
 namespace orv {
@@ -22,6 +20,7 @@ namespace orv {
 namespace {
 
 using internal::EmptyIfNull;
+using internal::Georeferenced;
 
 ExplainedName NameOf(const CSDef& system) { return {system.GetToken(), system.GetName()}; }
 ExplainedName NameOf(const DatumDef& datum) {
@@ -95,10 +94,6 @@ std::vector<ExplainedValue> ParametersOf(const ProjectionDef& projection) {
     }
   }
   return values;
-}
-
-const ORVDef* Georeferenced(const CSDef& system) {
-  return system.Type() == CSTypeORV ? static_cast<const ORVDef*>(&system) : nullptr;
 }
 
 // ---- the datum stage -------------------------------------------------------------------------------------

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "orv/convert/internal/GridPlaces.h"
 #include "orv/core/ORVGlobals.h"
 #include "orv/core/Platform.h"
 #include "orv/core/internal/Angle.h"
@@ -76,7 +77,7 @@ std::vector<GridFile> NadconFiles(const std::string& folder) {
 GridSource ListNadcon() {
   GridSource source;
   source.method = DatumMethodNADCON;
-  source.wanted = "NADGRIDS.ZIP, or .los with .las files";
+  source.wanted = internal::kNadconFiles;
   source.folders = internal::NadconFolders();
   for (const std::string& folder : source.folders) {
     source.files = NadconFiles(folder);

@@ -1,45 +1,36 @@
 #include "orv/convert/Identify.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <limits>
 #include <memory>
 #include <utility>
 
-#include "orv/core/internal/Marker.h"
+#include "orv/core/internal/Number.h"
 #include "orv/core/internal/Text.h"
 #include "orv/datum/DatumDef.h"
 #include "orv/projection/ProjectionDef.h"
-#include "orv/projection/Projector.h"
-#include "orv/shared/Exception.h"
+#include "orv/projection/internal/MapPlaces.h"
+#include "orv/projection/internal/ProjectionTables.h"
 #include "orv/system/CSList.h"
 #include "orv/system/ORVDef.h"
+#include "orv/system/internal/Georeferenced.h"
 
 namespace orv {
 
 namespace {
 
 using internal::EmptyIfNull;
+using internal::Georeferenced;
+using internal::ShortestNumber;
 
 constexpr double kNotMeasured = std::numeric_limits<double>::quiet_NaN();
 /// Projections that are written otherwise are measured for so many of the nearest systems.
 constexpr size_t kMostMeasured = 60;
 constexpr size_t kFewDifferent = 3;
 
-const ORVDef* Georeferenced(const CSDef& system) {
-  return system.Type() == CSTypeORV ? static_cast<const ORVDef*>(&system) : nullptr;
-}
-
 const ProjectionDef* Projected(const ORVDef& system) {
   return system.HasProjection(true, true) ? system.GetProjection() : nullptr;
-}
-
-/// The shortest text that reads back as the same number.
-std::string NumberText(double value) {
-  std::array<char, 32> text;
-  return std::string(text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr);
 }
 
 // ---- differences -----------------------------------------------------------------------------------------
@@ -64,13 +55,8 @@ double Weight(double difference, double unit) {
 std::string EllipsoidText(const EllipsoidDef& ellipsoid) {
   const double f = ellipsoid.GetFlattening();
   return internal::Format("%s%sa=%s, %s", EmptyIfNull(ellipsoid.GetName()), ellipsoid.GetName() ? ": " : "",
-                          NumberText(ellipsoid.GetMajorRadius()).c_str(),
-                          f == 0.0 ? "a sphere" : ("rf=" + NumberText(1.0 / f)).c_str());
-}
-
-bool IsAngle(ProjectionParameterID id) {
-  return (id >= ProjectionParameterIDLon0 && id <= ProjectionParameterIDLat2) ||
-         id == ProjectionParameterIDAlpha;
+                          ShortestNumber(ellipsoid.GetMajorRadius()).c_str(),
+                          f == 0.0 ? "a sphere" : ("rf=" + ShortestNumber(1.0 / f)).c_str());
 }
 
 /// UTM is Transverse Mercator with customary values; its parameters stand in the block whichever it is.
@@ -99,11 +85,11 @@ void CompareProjections(const ProjectionDef& asked, const ProjectionDef& known, 
     if (isFlag ? !(isUsed && isUsedThere) : !(isUsed || isUsedThere)) continue;
     const double here = asked.GetParameter(id), there = known.GetParameter(id);
     if (here == there) continue;
-    const double unit = IsAngle(id)                                                          ? 10.0
+    const double unit = internal::IsAngle(id)                                                ? 10.0
                         : id == ProjectionParameterIDXOrg || id == ProjectionParameterIDYOrg ? 1e6
                                                                                              : 1e-3;
     const auto text = [isFlag](double value) {
-      return isFlag ? std::string(value != 0.0 ? "true" : "false") : NumberText(value);
+      return isFlag ? std::string(value != 0.0 ? "true" : "false") : ShortestNumber(value);
     };
     gap.Add(Weight(here - there, unit), ProjectionDef::ParameterName(id), text(here), text(there));
   }
@@ -143,50 +129,6 @@ Gap GapBetween(const ORVDef& asked, const ORVDef& known) {
     gap.Add(1.0, "Warp", asked.HasWarp() ? "one" : "none", known.HasWarp() ? "one" : "none");
   }
   return gap;
-}
-
-// ---- places ----------------------------------------------------------------------------------------------
-
-using Sample = std::array<shr::Vec2d, 9>;
-
-/// Points around the centre of a projection.
-Sample PointsAround(const ProjectionDef& projection) {
-  const bool hasParallels = projection.UsesParameter(ProjectionParameterIDLat2);
-  const double lat1 = projection.GetParameter(ProjectionParameterIDLat1);
-  const double middle = hasParallels ? (lat1 + projection.GetParameter(ProjectionParameterIDLat2)) / 2
-                                     : projection.GetParameter(ProjectionParameterIDLat0);
-  const double lat = std::clamp(std::isfinite(middle) ? middle : 0.0, -85.0, 85.0);
-  const double lon = projection.GetParameter(ProjectionParameterIDLon0);
-  Sample points;
-  size_t n = 0;
-  for (const double dLon : {-2.5, 0.3, 2.1}) {
-    for (const double dLat : {-2.2, 0.4, 2.5}) points[n++] = {lon + dLon, lat + dLat};
-  }
-  return points;
-}
-
-/// The sample in a projection's own numbers; all marked when it cannot be set up.
-Sample Places(const ProjectionDef& projection, Sample points) {
-  try {
-    Projector(projection).TransformForward(points.data(), points.size());
-  } catch (const shr::Exception&) {
-    for (shr::Vec2d& point : points) internal::Mark(point);
-  }
-  return points;
-}
-
-/// Largest distance between places; infinite when only one of both has a place for a point, not measured when
-/// no point has one.
-double Distance(const Sample& here, const Sample& there) {
-  double largest = kNotMeasured;
-  for (size_t i = 0; i < here.size(); ++i) {
-    const bool isLost = internal::IsMarked(here[i]);
-    if (isLost != internal::IsMarked(there[i])) return std::numeric_limits<double>::infinity();
-    if (isLost) continue;
-    const double distance = std::hypot(here[i].x - there[i].x, here[i].y - there[i].y);
-    if (!(distance <= largest)) largest = distance;
-  }
-  return largest;
 }
 
 bool IsProjectionMatter(const SystemDifference& difference) {
@@ -234,15 +176,13 @@ std::vector<Candidate> Candidates(const ORVDef& asked, const std::vector<SystemM
 
   const ProjectionDef* const projection = Projected(asked);
   if (!projection) return candidates;
-  const Sample points = PointsAround(*projection);
-  const Sample here = Places(*projection, points);
+  const internal::MapPlaces places(*projection);
   const size_t count = std::min(candidates.size(), kMostMeasured);
   for (size_t i = 0; i < count; ++i) {
     SystemMatch& match = candidates[i].match;
     const auto& known = static_cast<const ORVDef&>(*list.Enum(match.position));
     if (!Projected(known)) continue;
-    match.distance =
-        Distance(here, Places(*known.GetProjection(), points)) / projection->GetParameters()->Scale;
+    match.distance = places.DistanceTo(*known.GetProjection());
     const bool isElsewhere =
         !std::all_of(match.differences.begin(), match.differences.end(), &IsProjectionMatter);
     if (!isElsewhere && match.distance <= kAlikeDistance) match.kind = SystemMatch::Alike;

@@ -11,6 +11,7 @@
 #include "orv/projection/ProjectionDef.h"
 #include "orv/system/CSList.h"
 #include "orv/system/ORVDef.h"
+#include "orv/system/internal/Georeferenced.h"
 #include "orv/tables/AngularUnits.h"
 #include "orv/tables/EllipsoidList.h"
 #include "orv/tables/LinearUnits.h"
@@ -22,10 +23,7 @@ namespace {
 
 using internal::EmptyIfNull;
 using internal::FoldCase;
-
-const ORVDef* Georeferenced(const CSDef& system) {
-  return system.Type() == CSTypeORV ? static_cast<const ORVDef*>(&system) : nullptr;
-}
+using internal::Georeferenced;
 
 // ---- entries ---------------------------------------------------------------------------------------------
 

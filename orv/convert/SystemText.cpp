@@ -17,6 +17,7 @@
 #include "orv/datum/DatumList.h"
 #include "orv/interop/Interchange.h"
 #include "orv/projection/ProjectionDef.h"
+#include "orv/projection/internal/ProjectionTables.h"
 #include "orv/shared/Exception.h"
 #include "orv/system/CSList.h"
 #include "orv/system/ORVDef.h"
@@ -253,11 +254,6 @@ ProjectionMethod MethodOf(const std::optional<std::string>& name) {
   return method;
 }
 
-bool IsAngle(ProjectionParameterID id) {
-  return (id >= ProjectionParameterIDLon0 && id <= ProjectionParameterIDLat2) ||
-         id == ProjectionParameterIDAlpha;
-}
-
 void TakeProjectionValues(Items& items, ProjectionParameters& p) {
   for (std::string key = items.FirstKey(); !key.empty(); key = items.FirstKey()) {
     ProjectionParameterID id = ProjectionDef::NameToParameter(key.c_str());
@@ -272,8 +268,8 @@ void TakeProjectionValues(Items& items, ProjectionParameters& p) {
     if (ProjectionDef::ParameterDataType(id) == ORVDataTypeIDBool) {
       ProjectionDef::SetParameter(p, id, FlagOf(shortName, value));
     } else {
-      ProjectionDef::SetParameter(p, id,
-                                  IsAngle(id) ? AngleOf(shortName, value) : NumberOf(shortName, value));
+      ProjectionDef::SetParameter(
+          p, id, internal::IsAngle(id) ? AngleOf(shortName, value) : NumberOf(shortName, value));
     }
   }
 }

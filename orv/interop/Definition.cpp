@@ -12,8 +12,7 @@
 #include "orv/interop/internal/KnownNames.h"
 #include "orv/interop/internal/TextSystem.h"
 #include "orv/projection/ProjectionDef.h"
-#include "orv/projection/Projector.h"
-#include "orv/shared/Exception.h"
+#include "orv/projection/internal/MapPlaces.h"
 #include "orv/system/CSList.h"
 #include "orv/tables/EllipsoidList.h"
 #include "orv/tables/Meridians.h"
@@ -93,44 +92,27 @@ ProjectionDef ProjectionOf(const TextSystem& t, const EllipsoidDef& ellipsoid) {
 
 // ---- the same map ----------------------------------------------------------------------------------------
 
-/// Points around the middle of a map, degrees.
-std::vector<shr::Vec2d> PointsAround(const ProjectionParameters& p) {
-  const bool isHotine = p.method == ProjectionMethodHotine;
-  const double lon = isHotine ? p.Lon1 : p.Lon0;
-  double lat = p.Lat0;
-  if (p.method == ProjectionMethodLambert || p.method == ProjectionMethodAlbers)
-    lat = (p.Lat1 + p.Lat2) / 2.0;
-  if (p.method == ProjectionMethodMercator) lat = 0.0;
-  std::vector<shr::Vec2d> points;
-  for (const double dLon : {-1.9, 0.4, 1.2}) {
-    for (const double dLat : {-2.1, 0.3, 1.7}) {
-      points.emplace_back(lon + dLon, std::fmax(-87.5, std::fmin(87.5, lat + dLat)));
-    }
-  }
-  return points;
-}
+/// A projection that others are compared with.
+class Map {
+ public:
+  explicit Map(const ProjectionDef& projection)
+      : m_Parameters(*projection.GetParameters()), m_Places(projection) {}
+  const ProjectionParameters& Parameters() const { return m_Parameters; }
 
-/// Whether two projections draw the same map: to half a millimetre around their middle; texts have 15 digits, and an oblique
-/// cylinder whose azimuth is next to 90 degrees makes 0.2 mm of the last one.
-bool DrawAlike(const ProjectionDef& a, const ProjectionDef& b) {
-  constexpr double kMetres = 5e-4;
-  const ProjectionParameters &p = *a.GetParameters(), &q = *b.GetParameters();
-  const bool isPlain = p.method == ProjectionMethodUnprojected;
-  if (isPlain || q.method == ProjectionMethodUnprojected) return isPlain && q.method == p.method;
-  if (!(std::fabs(p.Scale / q.Scale - 1.0) < 0.1)) return false;
-  try {
-    std::vector<shr::Vec2d> first = PointsAround(q), second = first;
-    Projector(a).TransformForward(first);
-    Projector(b).TransformForward(second);
-    for (size_t i = 0; i < first.size(); ++i) {
-      const double apart = std::hypot(first[i].x - second[i].x, first[i].y - second[i].y) / q.Scale;
-      if (!(apart < kMetres)) return false;
-    }
-    return true;
-  } catch (const shr::Exception&) {
-    return false;  // an engine cannot be set up
+  /// Whether another projection draws the same map: to half a millimetre around the middle; texts have 15 digits, and an
+  /// oblique cylinder whose azimuth is next to 90 degrees makes 0.2 mm of the last one.
+  bool IsDrawnBy(const ProjectionDef& other) const {
+    constexpr double kMetres = 5e-4;
+    const ProjectionParameters& q = *other.GetParameters();
+    const bool isPlain = m_Parameters.method == ProjectionMethodUnprojected;
+    if (isPlain || q.method == ProjectionMethodUnprojected) return isPlain && q.method == m_Parameters.method;
+    return std::fabs(m_Parameters.Scale / q.Scale - 1.0) < 0.1 && m_Places.DistanceTo(other) < kMetres;
   }
-}
+
+ private:
+  const ProjectionParameters& m_Parameters;
+  MapPlaces m_Places;
+};
 
 // ---- datums ----------------------------------------------------------------------------------------------
 
@@ -223,8 +205,8 @@ bool MeansDatum(const TextSystem& t, const DatumDef& own, const DatumDef& entry)
 
 /// The known system on a datum that draws this map, or null: its projection differs from those on other datums.
 /// Of several one with the method itself.
-const ORVDef* AlikeOn(const DatumDef& datum, const ProjectionDef& projection) {
-  const ProjectionParameters& p = *projection.GetParameters();
+const ORVDef* AlikeOn(const DatumDef& datum, const Map& map) {
+  const ProjectionParameters& p = map.Parameters();
   const bool isHotine = p.method == ProjectionMethodHotine;
   const auto family = [](ProjectionMethod method) {
     return method == ProjectionMethodUTM ? ProjectionMethodTransverseMercator : method;
@@ -241,7 +223,7 @@ const ORVDef* AlikeOn(const DatumDef& datum, const ProjectionDef& projection) {
     const ProjectionParameters& q = *system->GetProjection()->GetParameters();
     if (family(q.method) != family(p.method) || (found && q.method != p.method)) continue;
     if (std::fabs(std::remainder(isHotine ? q.Lon1 - p.Lon1 : q.Lon0 - p.Lon0, 360.0)) > 1e-8) continue;
-    if (!isOn(*system->GetDatum()) || !DrawAlike(projection, *system->GetProjection())) continue;
+    if (!isOn(*system->GetDatum()) || !map.IsDrawnBy(*system->GetProjection())) continue;
     found = system;
     if (q.method == p.method) return found;
   }
@@ -257,22 +239,21 @@ bool MeansShifted(const TextSystem& t, const EllipsoidDef& ellipsoid, const ORVD
   DatumParameters d = *DatumOf(own, ellipsoid).GetParameters();
   d.pmShift = pmShift;
   return system.GetDatum()->CompareParameters(&d) &&
-         DrawAlike(ProjectionOf(own, ellipsoid), *system.GetProjection());
+         Map(ProjectionOf(own, ellipsoid)).IsDrawnBy(*system.GetProjection());
 }
 
 /// The known system that the text's code means, or without a code its name, if it draws the map on that datum.
-const ORVDef* SystemMeant(const TextSystem& t, const EllipsoidDef& ellipsoid, const ProjectionDef& projection,
+const ORVDef* SystemMeant(const TextSystem& t, const EllipsoidDef& ellipsoid, const Map& map,
                           const DatumDef& datum) {
   for (int pos = ORVKnownSystemsList.First(); pos <= ORVKnownSystemsList.Last(); ++pos) {
     const ORVDef* const system = KnownSystemAt(pos);
     if (!system) continue;
     const bool isNamed =
-        t.code > 0 ? system->GetPOSC() == t.code : EqualBare(ShortName(system->GetName()), t.name.c_str());
+        t.code > 0 ? system->GetPOSC() == t.code : EqualBare(ShortNameOf(system->GetName()), t.name.c_str());
     if (!isNamed || system->HasWarp() || !system->HasDatum(false) || !system->HasProjection(false, false)) {
       continue;
     }
-    const bool isMeant =
-        DrawAlike(projection, *system->GetProjection()) && MeansDatum(t, datum, *system->GetDatum());
+    const bool isMeant = map.IsDrawnBy(*system->GetProjection()) && MeansDatum(t, datum, *system->GetDatum());
     if (isMeant || MeansShifted(t, ellipsoid, *system)) return system;
   }
   return nullptr;
@@ -289,12 +270,13 @@ std::unique_ptr<ORVDef> DefinitionOf(const TextSystem& t) {
   const EllipsoidDef ellipsoid = EllipsoidOf(t);
   const ProjectionDef projection = ProjectionOf(t, ellipsoid);
   const DatumDef datum = DatumOf(t, ellipsoid);
-  if (const ORVDef* const meant = SystemMeant(t, ellipsoid, projection, datum))
+  const Map map(projection);
+  if (const ORVDef* const meant = SystemMeant(t, ellipsoid, map, datum))
     return std::unique_ptr<ORVDef>(meant->Clone());
   auto system = std::make_unique<ORVDef>();
   system->SetName(t.name.c_str());
   system->SetPOSC(t.code);
-  const ORVDef* const alike = AlikeOn(datum, projection);
+  const ORVDef* const alike = AlikeOn(datum, map);
   const ProjectionDef& form = alike ? *alike->GetProjection() : projection;
   std::string why;
   const bool isFaulty = datum.CheckParameters(why) != DatumParameterIDNone ||
@@ -451,11 +433,7 @@ class Describer {
       const int index = ORVKnownDatumsList.FindByPOSCNumber(t.datumCode, nullptr, ORVKnownDatumsList.First());
       if (index != 0) t.datumName = ORVKnownDatumsList.EnumName(index);
     }
-    const std::string ensemble = " ensemble";  // of realisations; well-known text names these
-    if (t.datumName.size() > ensemble.size() &&
-        t.datumName.compare(t.datumName.size() - ensemble.size(), ensemble.size(), ensemble) == 0) {
-      t.datumName.resize(t.datumName.size() - ensemble.size());
-    }
+    t.datumName = WithoutEnsemble(t.datumName);
     if (t.datumName.empty()) t.datumName = "unknown";
     t.baseName = t.datumName;
     if (!d || t.isGeographic || t.meridian != 0.0) return;

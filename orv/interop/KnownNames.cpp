@@ -1,12 +1,13 @@
 #include "orv/interop/internal/KnownNames.h"
 
 #include <cmath>
-#include <cstring>
+#include <string_view>
 
 #include "orv/core/internal/Text.h"
 #include "orv/datum/DatumList.h"
 #include "orv/projection/ProjectionDef.h"
 #include "orv/system/CSList.h"
+#include "orv/system/internal/Georeferenced.h"
 #include "orv/tables/EllipsoidList.h"
 #include "orv/tables/LinearUnits.h"
 
@@ -126,16 +127,12 @@ constexpr ProjMeridian kMeridians[] = {
 /// words "datum" and "ensemble", the century of a year of the twentieth left out.
 std::string CommonName(const std::string& name) {
   std::string bare;
-  for (const char c : name) {
+  for (const char c : WithoutEnsemble(name)) {
     const auto folded = static_cast<char>(FoldCase(c));
     const bool isPart = (folded >= '0' && folded <= '9') || (folded >= 'a' && folded <= 'z') ||
                         folded == '+' || static_cast<unsigned char>(folded) >= 0x80;
     if (isPart) bare += folded;
   }
-  constexpr const char* kEnsemble = "ensemble";
-  const size_t length = std::strlen(kEnsemble);
-  if (bare.size() > length && bare.compare(bare.size() - length, length, kEnsemble) == 0)
-    bare.resize(bare.size() - length);
   for (size_t at = bare.find("datum"); at != std::string::npos; at = bare.find("datum", at))
     bare.erase(at, 5);
   const auto isDigit = [&bare](size_t at) { return at < bare.size() && bare[at] >= '0' && bare[at] <= '9'; };
@@ -162,9 +159,14 @@ bool SameToken(const DatumDef* datum, const DatumDef& other) {
 
 }  // namespace
 
-const ORVDef* KnownSystemAt(int pos) {
-  const CSDef* const system = ORVKnownSystemsList.Enum(pos);
-  return system->Type() == CSTypeORV ? static_cast<const ORVDef*>(system) : nullptr;
+const ORVDef* KnownSystemAt(int pos) { return Georeferenced(*ORVKnownSystemsList.Enum(pos)); }
+
+std::string WithoutEnsemble(const std::string& name) {
+  constexpr std::string_view kEnsemble = " ensemble";
+  const bool isEnsemble =
+      name.size() > kEnsemble.size() &&
+      EqualIgnoringCase(std::string_view(name).substr(name.size() - kEnsemble.size()), kEnsemble);
+  return isEnsemble ? name.substr(0, name.size() - kEnsemble.size()) : name;
 }
 
 const DatumDef* KnownDatumOf(const TextSystem& text) {
@@ -204,11 +206,6 @@ const DatumDef* KnownDatumLike(const DatumDef& wanted, const TextSystem& text) {
     if (isNamed && datum.CompareParameters(&wanted)) return &datum;
   }
   return nullptr;
-}
-
-const char* ShortName(const char* name) {
-  const char* const bar = std::strrchr(name, '|');
-  return bar ? bar + 1 : name;
 }
 
 const ORVDef* KnownGeographicOn(const DatumDef& datum) {

@@ -210,14 +210,8 @@ class Reader {
   }
 
   void ReadDatum(const WktNode& datum) {
-    t.datumName = Without("D_", NeedText(datum, "the name of the datum"));
+    t.datumName = WithoutEnsemble(Without("D_", NeedText(datum, "the name of the datum")));
     t.datumCode = CodeOf(datum);
-    constexpr const char* kEnsemble = " ensemble";
-    const size_t length = std::strlen(kEnsemble);
-    if (t.datumName.size() > length &&
-        t.datumName.compare(t.datumName.size() - length, length, kEnsemble) == 0) {
-      t.datumName.erase(t.datumName.size() - length);
-    }
     const WktNode& ellipsoid = Need(datum, kEllipsoids, "SPHEROID or ELLIPSOID");
     t.ellipsoidName = NeedText(ellipsoid, "the name of the ellipsoid");
     t.ellipsoidCode = CodeOf(ellipsoid);

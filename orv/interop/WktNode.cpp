@@ -44,10 +44,6 @@ class Reader {
  private:
   Place Here() const { return {m_Line, static_cast<int>(m_At - m_LineStart) + 1}; }
 
-  static std::string Excerpt(const std::string& text) {
-    return text.size() <= 40 ? text : text.substr(0, 40) + "...";
-  }
-
   void Expected(const char* what) const {
     const Place place = Here();
     if (m_At >= m_Text.size()) {
@@ -265,13 +261,7 @@ std::string WriteWktTree(const WktNode& node, bool indented, bool wholeHavePoint
 }
 
 std::string NumberText(double value) {
-  if (value == 0.0) return "0";  // of either sign
-  std::string text;
-  for (int digits = 15; digits <= 17; ++digits) {
-    text = Format("%.*g", digits, value);
-    if (ReadDecimal(text) == value) break;
-  }
-  return text;
+  return ShortestNumber(value + 0.0);  // no sign of zero
 }
 
 double Tidied(double value) {

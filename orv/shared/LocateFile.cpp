@@ -12,11 +12,7 @@
 
 namespace shr {
 
-namespace {
-
 namespace platform = orv::platform;
-
-}  // namespace
 
 bool LocateFile(const char* name, std::string& path) {
   if (!name || *name == '\0') return false;

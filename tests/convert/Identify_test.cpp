@@ -75,6 +75,21 @@ TEST_F(Identify, TakesAnotherWayToWriteAProjectionForAlike) {
   }
 }
 
+TEST_F(Identify, MeasuresAroundThePlaceWhereTheMapIsCentred) {
+  // Iran: the cylinder is centred at Lon1; at Lon0, which Hotine does not use, the difference is 1.7 mm.
+  ProjectionParameters p = ParametersOf("EPSG:2057");
+  ASSERT_EQ(p.method, ProjectionMethodHotine);
+  ASSERT_EQ(p.Lon0, 0.0);
+  ASSERT_NEAR(p.Lon1, 52.6, 0.1);
+  p.Lon1 += 2e-9;       // degrees: more than Compare overlooks, 0.2 mm
+  p.K0 *= 1.0 + 3e-10;  // 0.1 mm at 300 km
+  const std::vector<SystemMatch> matches = ORVIdentifySystem(With("EPSG:2057", p), 0);
+  const SystemMatch* const match = Find(matches, "EPSG:2057");
+  ASSERT_TRUE(match);
+  EXPECT_EQ(match->kind, SystemMatch::Alike);
+  EXPECT_GT(match->distance, 1e-5);
+}
+
 TEST_F(Identify, MeasuresTheNearestMiss) {
   ProjectionParameters p = ParametersOf("EPSG:3857");
   ASSERT_EQ(p.method, ProjectionMethodMercator);

@@ -2,9 +2,9 @@
 
 #include <array>
 #include <charconv>
-#include <cmath>
 
 #include "orv/convert/internal/TypedText.h"
+#include "orv/core/internal/Number.h"
 #include "tools/orv/FixedNumber.h"
 
 namespace orv::tool {
@@ -24,14 +24,7 @@ bool ParseInteger(std::string_view text, int& value) {
   return true;
 }
 
-std::string ShortestNumber(double value) {
-  std::array<char, 64> text;
-  const double size = std::fabs(value);
-  const bool plain = value == 0.0 || (size >= 1e-6 && size < 1e15);
-  const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), value,
-                                          plain ? std::chars_format::fixed : std::chars_format::scientific);
-  return error == std::errc() ? std::string(text.data(), end) : std::string();
-}
+std::string ShortestNumber(double value) { return internal::ShortestNumber(value); }
 
 void AppendFixed(std::string& out, double value, int decimals) {
   std::array<char, kFixedRoom> text;

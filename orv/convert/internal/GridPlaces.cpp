@@ -20,7 +20,7 @@ std::string Joined(const std::vector<std::string>& folders) {
 
 std::string GridPlacesText(DatumMethod method) {
   if (method == DatumMethodNADCON) {
-    return "NADGRIDS.ZIP, or .los with .las files, looked for in: " + Joined(NadconFolders());
+    return std::string(kNadconFiles) + ", looked for in: " + Joined(NadconFolders());
   }
   if (method == DatumMethodNTV2) {
     const char* const name = ORVGetNTv2GridFile();

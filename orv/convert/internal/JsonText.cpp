@@ -1,8 +1,8 @@
-#include <array>
-#include <charconv>
+#include "orv/convert/internal/JsonText.h"
+
 #include <cmath>
 
-#include "orv/convert/internal/JsonText.h"
+#include "orv/core/internal/Number.h"
 
 namespace orv::internal {
 
@@ -98,9 +98,7 @@ void JsonText::Quote(std::string_view text) {
 
 JsonText& JsonText::Number(double value) {
   Separate();
-  std::array<char, 32> digits;
-  const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
-  m_Out += std::isfinite(value) && error == std::errc() ? std::string(digits.data(), end) : "null";
+  m_Out += std::isfinite(value) ? ShortestNumber(value) : "null";
   return *this;
 }
 

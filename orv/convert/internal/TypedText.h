@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "orv/core/internal/Text.h"
 #include "orv/tables/LatLonText.h"
 
 namespace orv::internal {
@@ -67,16 +68,6 @@ inline bool ParseAngle(std::string_view text, double& degrees) {
   if (!LatLonToDegrees(plain.c_str(), &value, 'd')) return false;
   degrees = value;
   return true;
-}
-
-/// A text of the user's for a message: at most 40 bytes of it, control characters as "?".
-inline std::string Excerpt(std::string_view text) {
-  std::string excerpt(text.substr(0, 40));
-  for (char& c : excerpt) {
-    if (static_cast<unsigned char>(c) < 32 || c == 127) c = '?';
-  }
-  if (text.size() > 40) excerpt += "...";
-  return excerpt;
 }
 
 }  // namespace orv::internal

@@ -1,6 +1,10 @@
-// Number.h: numbers read from text, the same in every locale.  (Numbers are written with Format of Text.h.)
+// Number.h: numbers read from text and the shortest texts of numbers, the same in every locale.  (Numbers of a stated form
+// are written with Format of Text.h.)
 #pragma once
 
+#include <charconv>
+#include <cmath>
+#include <string>
 #include <string_view>
 
 namespace orv::internal {
@@ -15,6 +19,17 @@ double ReadDecimal(std::string_view text, size_t* end = nullptr);
 /// The longest decimal integer that `text` begins with, as atoi takes it (leading white space, optional
 /// sign), clamped to 32 bits; 0 when there is none.
 int ReadInteger(std::string_view text);
+
+/// The shortest text that reads back as the same number, with an exponent only below 1e-6 and from 1e15 on; "inf" and
+/// "nan" for what is none.  Header only, so that the command line shares it.
+inline std::string ShortestNumber(double value) {
+  char text[64];
+  const double size = std::fabs(value);
+  const bool isPlain = value == 0.0 || (size >= 1e-6 && size < 1e15);
+  const std::to_chars_result result = std::to_chars(
+      text, text + sizeof text, value, isPlain ? std::chars_format::fixed : std::chars_format::scientific);
+  return std::string(text, result.ptr);
+}
 
 /// Truncation toward zero, clamped to the range of int; NaN gives 0.
 int TruncateToInt(double value);

@@ -83,6 +83,17 @@ inline const char* EmptyIfNull(const char* text) { return text ? text : ""; }
 /// that follow it; the whole name when it has no bar.  Points into the name.
 const char* ShortNameOf(const char* name);
 
+/// A text of the user's for a message: at most 40 bytes of it, control characters as "?".  Header only, so that the command
+/// line shares it.
+inline std::string Excerpt(std::string_view text) {
+  std::string excerpt(text.substr(0, 40));
+  for (char& c : excerpt) {
+    if (static_cast<unsigned char>(c) < 32 || c == 127) c = '?';
+  }
+  if (text.size() > 40) excerpt += "...";
+  return excerpt;
+}
+
 /// printf into a string, in the C locale whatever the host has set; any length.
 #if defined(__GNUC__)
 __attribute__((format(printf, 1, 2)))

@@ -15,10 +15,11 @@ const DatumDef* KnownDatumOf(const TextSystem& text);
 /// there is none.
 const DatumDef* KnownDatumLike(const DatumDef& wanted, const TextSystem& text);
 
+/// A datum's name without the word "ensemble" behind it, by which the data set names one of several realisations.
+std::string WithoutEnsemble(const std::string& name);
+
 /// The known system at a position when it is georeferenced, else null.
 const ORVDef* KnownSystemAt(int pos);
-/// The part of a system's name behind its last vertical bar.
-const char* ShortName(const char* name);
 /// The known geographic system on a datum, or null.
 const ORVDef* KnownGeographicOn(const DatumDef& datum);
 /// The ellipsoid of known projected systems on a datum, or null: datums of method None hold that of WGS 84.

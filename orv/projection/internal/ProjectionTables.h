@@ -40,6 +40,12 @@ extern const ProjectionUse kProjectionUses[kProjectionUseCount];
 const ProjectionUse* UseOf(ProjectionMethod method);
 bool MethodUses(ProjectionMethod method, ProjectionParameterID id);
 
+/// Whether a parameter's values are degrees.
+constexpr bool IsAngle(ProjectionParameterID id) {
+  return (id >= ProjectionParameterIDLon0 && id <= ProjectionParameterIDLat2) ||
+         id == ProjectionParameterIDAlpha;
+}
+
 /// How two definitions' values of a number are told apart.
 enum class Apart {
   Beyond,    ///< differ by more than 1e-9; NaN equals everything
