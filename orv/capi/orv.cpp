@@ -20,6 +20,7 @@
 #include "orv/datum/DatumDef.h"
 #include "orv/shared/Exception.h"
 #include "orv/system/ORVDef.h"
+#include "orv/system/internal/Georeferenced.h"
 
 struct orv_system {
   std::unique_ptr<orv::CSDef> definition;
@@ -156,9 +157,7 @@ double Load(const double* at) {  // records may be packed, so that a double stan
 void Store(double* at, double value) { std::memcpy(at, &value, sizeof value); }
 
 const orv::ORVDef* Georeferenced(const orv_system& system) {
-  return system.definition->Type() == orv::CSTypeORV
-             ? static_cast<const orv::ORVDef*>(system.definition.get())
-             : nullptr;
+  return orv::internal::Georeferenced(*system.definition);
 }
 
 std::string DatumName(const orv_system& system) {

@@ -89,8 +89,8 @@ typedef enum orv_system_text_id {
  * Reads a system.
  *
  * @param text  a token ("EPSG:32633"), a code ("32633"), a name or short name; or parameters
- *              ("method=UTM,Lon0=15,datum=EPSG:6326"); or encoded text; or the name of a file that holds one of the last
- *              two. See orv/convert/SystemText.h.
+ *              ("method=UTM,Lon0=15,datum=EPSG:6326"); or encoded text, well-known text or a PROJ string; or the name of a
+ *              file (".prj" for one) that holds one of the last four. See orv/convert/SystemText.h.
  */
 ORV_API orv_status orv_system_create(const char* text, orv_system** system);
 ORV_API orv_status orv_system_destroy(orv_system* system);

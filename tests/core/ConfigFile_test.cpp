@@ -1,7 +1,6 @@
 #include "orv/core/ConfigFile.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -568,9 +567,9 @@ std::vector<Token> TokensByLine(const std::string& bytes) {
 TEST(ConfigFileReader, ReadsAnyTextAsTheLineByLineModelDoes) {
   EXPECT_TRUE(orv::test::Holds(
       [] {
-        const std::string text = *rc::gen::container<std::string>(rc::gen::element(
-            'a', 'b', '=', ';', '{', '}', '"', '\'', ' ', '\t', '\r', '\n', '\n', '\\', '+', '\xFF', '\0'));
-        RC_ASSERT(TokensWithLines(text) == TokensByLine(text));
+        const std::string text = orv::test::TextOf(
+            {'a', 'b', '=', ';', '{', '}', '"', '\'', ' ', '\t', '\r', '\n', '\n', '\\', '+', '\xFF', '\0'});
+        ORV_HOLDS(TokensWithLines(text) == TokensByLine(text));
       },
       400));
 }

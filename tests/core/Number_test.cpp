@@ -1,7 +1,6 @@
 #include "orv/core/internal/Number.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck.h>
 
 #include <climits>
 #include <cmath>
@@ -13,7 +12,6 @@
 
 #include "orv/core/internal/Text.h"
 #include "tests/support/CommaLocale.h"
-#include "tests/support/Generators.h"
 
 namespace {
 

@@ -1,7 +1,6 @@
 #include "orv/core/internal/TextBlock.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck.h>
 
 #include <memory>
 #include <string>
@@ -339,17 +338,17 @@ TEST(TextBlock, ChangedBytesAreReadOrRefusedButNeverMore) {
   EXPECT_TRUE(orv::test::Holds(
       [&whole] {
         std::string text = whole;
-        for (int changes = *rc::gen::inRange(1, 5); changes > 0; --changes) {
-          const size_t at = *rc::gen::inRange<size_t>(0, text.size());
-          switch (*rc::gen::inRange(0, 3)) {
+        for (int changes = orv::test::IntIn(1, 5); changes > 0; --changes) {
+          const size_t at = orv::test::SizeIn(0, text.size());
+          switch (orv::test::IntIn(0, 3)) {
             case 0:
-              text[at] = static_cast<char>(*rc::gen::inRange(0, 256));
+              text[at] = static_cast<char>(orv::test::IntIn(0, 256));
               break;
             case 1:
-              text.erase(at, *rc::gen::inRange<size_t>(1, 20));
+              text.erase(at, orv::test::SizeIn(1, 20));
               break;
             default:
-              text.insert(at, text.substr(*rc::gen::inRange<size_t>(0, text.size()), 20));
+              text.insert(at, text.substr(orv::test::SizeIn(0, text.size()), 20));
           }
           if (text.empty()) return;
         }
@@ -357,7 +356,7 @@ TEST(TextBlock, ChangedBytesAreReadOrRefusedButNeverMore) {
         try {
           Decode(outer, text);
         } catch (const shr::Exception& e) {
-          RC_ASSERT(e.Code() == 1026);
+          ORV_HOLDS(e.Code() == 1026);
           return;
         }
         // What was accepted is stable from then on.
@@ -365,7 +364,7 @@ TEST(TextBlock, ChangedBytesAreReadOrRefusedButNeverMore) {
         if (outer.text.find('\\') != std::string::npos || outer.inner.text.find('\\') != std::string::npos)
           return;
         Decode(again, Encoded(outer));
-        RC_ASSERT(Encoded(again) == Encoded(outer));
+        ORV_HOLDS(Encoded(again) == Encoded(outer));
       },
       3000));
 }

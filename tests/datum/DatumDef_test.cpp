@@ -874,22 +874,22 @@ TEST(DatumDef, ABadValueIsReportedByItsReader) {
 
 TEST(DatumDef, EncodedTextComesBackEqual) {
   EXPECT_TRUE(test::Holds([] {
-    const DatumDef datum = *test::AnyDatum();
+    const DatumDef datum = test::AnyDatum();
     std::string text = "before";
     datum.EncodeToText(text);
     text += "behind";
     DatumDef read;
     size_t cursor = 6;
     read.DecodeFromText(text, &cursor);
-    RC_ASSERT(read.CompareParameters(&datum));
-    RC_ASSERT(text.compare(cursor, std::string::npos, "<}5,Datum[1]>\r\nbehind") == 0);
-    RC_ASSERT(read.GetPOSCNumber() == datum.GetPOSCNumber());
-    RC_ASSERT(read.GetSpecial() == datum.GetSpecial());
-    RC_ASSERT(std::string(read.GetToken() ? read.GetToken() : "") ==
+    ORV_HOLDS(read.CompareParameters(&datum));
+    ORV_HOLDS(text.compare(cursor, std::string::npos, "<}5,Datum[1]>\r\nbehind") == 0);
+    ORV_HOLDS(read.GetPOSCNumber() == datum.GetPOSCNumber());
+    ORV_HOLDS(read.GetSpecial() == datum.GetSpecial());
+    ORV_HOLDS(std::string(read.GetToken() ? read.GetToken() : "") ==
               (datum.GetToken() ? datum.GetToken() : ""));
     std::string again = "before";
     read.EncodeToText(again);
-    RC_ASSERT(again + "behind" == text);
+    ORV_HOLDS(again + "behind" == text);
   }));
 }
 

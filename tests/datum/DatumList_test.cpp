@@ -575,16 +575,8 @@ TEST_F(DatumListTest, SaveReportsAFileThatCannotBeCreated) {
                 "Failed opening configuration file for writing '/no such folder/no.ocf'");
 }
 
-/// A text that a quoted token can hold.
-rc::Gen<std::string> FileText() {
-  return rc::gen::map(test::AnyText(), [](const std::string& text) {
-    std::string kept = "t";
-    for (const char c : text) {
-      if (c != '"' && c != '\n') kept += c;
-    }
-    return kept;
-  });
-}
+/// A text that a quoted token can hold, and not empty.
+std::string FileText() { return "t" + test::QuotableText(); }
 
 TEST_F(DatumListTest, ASavedListComesBackEqual) {
   ORVKnownEllipsoidsList.Add(test::Clarke66());
@@ -593,38 +585,38 @@ TEST_F(DatumListTest, ASavedListComesBackEqual) {
   EXPECT_TRUE(test::Holds(
       [&file] {
         DatumList list;
-        const int count = *rc::gen::inRange(0, 8);
+        const int count = test::IntIn(0, 8);
         for (int i = 0; i < count; ++i) {
-          DatumDef datum = *test::ValidDatum();
-          datum.SetToken((*FileText()).c_str());
-          datum.SetName((*FileText()).c_str());
-          datum.SetComment(*rc::gen::arbitrary<bool>() ? (*FileText()).c_str() : nullptr);
+          DatumDef datum = test::ValidDatum();
+          datum.SetToken(FileText().c_str());
+          datum.SetName(FileText().c_str());
+          datum.SetComment(test::AnyBool() ? FileText().c_str() : nullptr);
           // The file keeps four decimals of a radius.
-          const double radius = static_cast<double>(*rc::gen::inRange<int64_t>(1, 70000000000)) / 10000.0;
-          EllipsoidDef ellipsoid(radius, datum.GetEllipsoid()->GetFlattening(), (*FileText()).c_str(), "e",
-                                 "", 0);
-          if (*rc::gen::inRange(0, 3) == 0) ellipsoid = test::International();
+          const double radius = static_cast<double>(test::IntegerIn(1, 70000000000)) / 10000.0;
+          EllipsoidDef ellipsoid(radius, datum.GetEllipsoid()->GetFlattening(), FileText().c_str(), "e", "",
+                                 0);
+          if (test::IntIn(0, 3) == 0) ellipsoid = test::International();
           datum.SetParameter(DatumParameterIDEllipsoid, ellipsoid);
-          list.Add(datum, *rc::gen::inRange(0ul, 2ul));
+          list.Add(datum, test::SizeIn(0, 2));
         }
-        RC_ASSERT(list.Save(file.Path()));
+        ORV_HOLDS(list.Save(file.Path()));
         DatumList read;
-        RC_ASSERT(read.Load(file.Path(), true));
-        RC_ASSERT(read.Count() == list.Count());
+        ORV_HOLDS(read.Load(file.Path(), true));
+        ORV_HOLDS(read.Count() == list.Count());
         for (int i = list.First(); i <= list.Last(); ++i) {
           const DatumDef& a = *list.Enum(i);
           const DatumDef& b = *read.Enum(i);
-          RC_ASSERT(a.CompareParameters(&b));
-          RC_ASSERT(std::string(list.EnumToken(i)) == read.EnumToken(i));
-          RC_ASSERT(std::string(list.EnumName(i)) == read.EnumName(i));
-          RC_ASSERT(a.GetPOSCNumber() == b.GetPOSCNumber());
-          RC_ASSERT(a.GetSpecial() == b.GetSpecial());
-          RC_ASSERT(list.EnumFlags(i) == read.EnumFlags(i));
-          RC_ASSERT(std::string(a.GetComment() ? a.GetComment() : "") ==
+          ORV_HOLDS(a.CompareParameters(&b));
+          ORV_HOLDS(std::string(list.EnumToken(i)) == read.EnumToken(i));
+          ORV_HOLDS(std::string(list.EnumName(i)) == read.EnumName(i));
+          ORV_HOLDS(a.GetPOSCNumber() == b.GetPOSCNumber());
+          ORV_HOLDS(a.GetSpecial() == b.GetSpecial());
+          ORV_HOLDS(list.EnumFlags(i) == read.EnumFlags(i));
+          ORV_HOLDS(std::string(a.GetComment() ? a.GetComment() : "") ==
                     (b.GetComment() ? b.GetComment() : ""));
           // Ellipsoids of methods that do not compare them come back too.
-          RC_ASSERT(a.GetEllipsoid()->GetMajorRadius() == b.GetEllipsoid()->GetMajorRadius());
-          RC_ASSERT(std::string(a.GetEllipsoid()->GetToken()) == b.GetEllipsoid()->GetToken());
+          ORV_HOLDS(a.GetEllipsoid()->GetMajorRadius() == b.GetEllipsoid()->GetMajorRadius());
+          ORV_HOLDS(std::string(a.GetEllipsoid()->GetToken()) == b.GetEllipsoid()->GetToken());
         }
       },
       60));

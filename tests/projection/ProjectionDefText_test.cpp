@@ -212,19 +212,19 @@ TEST(ProjectionDef, PositionsBeyondTheTextAreMalformed) {
 
 TEST(ProjectionDef, EncodedTextRoundTripsForRandomDefinitions) {
   EXPECT_TRUE(test::Holds([] {
-    const ProjectionDef def = *test::AnyProjection();
+    const ProjectionDef def = test::AnyProjection();
     std::string text;
     def.EncodeToText(text);
     ProjectionDef read;
     size_t pos = 0;
     read.DecodeFromText(text, &pos);
-    RC_ASSERT(pos == text.size());
+    ORV_HOLDS(pos == text.size());
     ProjectionParameterID which = ProjectionParameterIDNone;
-    RC_ASSERT(def.Compare(read, &which));
-    RC_ASSERT(read.Compare(def, &which));
+    ORV_HOLDS(def.Compare(read, &which));
+    ORV_HOLDS(read.Compare(def, &which));
     std::string again;
     read.EncodeToText(again);
-    RC_ASSERT(again == text);
+    ORV_HOLDS(again == text);
   }));
 }
 

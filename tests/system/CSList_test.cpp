@@ -506,16 +506,8 @@ TEST(CSList, AFileThatCannotBeWrittenIsReported) {
       "Failed opening coordinate systems configuration file for writing '/no such 100% folder/x.ocf'");
 }
 
-/// A text that a quoted token can hold.
-rc::Gen<std::string> FileText() {
-  return rc::gen::map(test::AnyText(), [](const std::string& text) {
-    std::string kept = "t";
-    for (const char c : text) {
-      if (c != '"' && c != '\n') kept += c;
-    }
-    return kept;
-  });
-}
+/// A text that a quoted token can hold, and not empty.
+std::string FileText() { return "t" + test::QuotableText(); }
 
 TEST_F(KnownSystems, ASavedListComesBackEqual) {
   const TempFolder folder;
@@ -523,69 +515,69 @@ TEST_F(KnownSystems, ASavedListComesBackEqual) {
   EXPECT_TRUE(test::Holds(
       [&] {
         CSList list;
-        const int count = *rc::gen::inRange(1, 8);
+        const int count = test::IntIn(1, 8);
         for (int i = 0; i < count; ++i) {
           // Files keep four decimals of a radius and ten of a warp's numbers.
-          const double radius = static_cast<double>(*rc::gen::inRange<int64_t>(10000, 70000000000)) / 10000.0;
-          const EllipsoidDef ellipsoid(radius, *test::NumberIn(0.0, 0.5), "", "e", "", 0);
+          const double radius = static_cast<double>(test::IntegerIn(10000, 70000000000)) / 10000.0;
+          const EllipsoidDef ellipsoid(radius, test::NumberIn(0.0, 0.5), "", "e", "", 0);
           ORVDef system;
-          if (*rc::gen::arbitrary<bool>()) {
+          if (test::AnyBool()) {
             DatumDef datum = test::Wgs84Datum();  // known: saved by its token
-            if (*rc::gen::arbitrary<bool>()) {
-              datum = *test::ValidDatum();
+            if (test::AnyBool()) {
+              datum = test::ValidDatum();
               datum.SetParameter(DatumParameterIDEllipsoid, ellipsoid);
-              datum.SetToken((*FileText()).c_str());
-              datum.SetName((*FileText()).c_str());
+              datum.SetToken(FileText().c_str());
+              datum.SetName(FileText().c_str());
             }
             // No key says "no method".
             if (datum.GetMethod() != DatumMethodUnknown) system.SetDatum(&datum);
           }
-          if (*rc::gen::arbitrary<bool>()) {
-            ProjectionDef projection = *test::ValidProjection();
+          if (test::AnyBool()) {
+            ProjectionDef projection = test::ValidProjection();
             projection.SetParameter(ProjectionParameterIDEllipsoid, ellipsoid);
             if (projection.CheckParameters() == ProjectionParameterIDNone) system.SetProjection(&projection);
           }
-          if (*rc::gen::arbitrary<bool>()) {
+          if (test::AnyBool()) {
             WarpDef warp;
             double c[6];
-            for (double& value : c) value = *rc::gen::inRange(8, 800) / 8.0;
+            for (double& value : c) value = test::IntIn(8, 800) / 8.0;
             warp.SetCoefficients(c);
             if (warp.Validate()) system.SetWarp(&warp);
           }
-          system.SetPOSC(*rc::gen::arbitrary<int>());
-          system.SetUSGS(*rc::gen::arbitrary<int>());
-          system.SetLegacyName((*FileText()).c_str());
-          UCSDef local(std::fabs(*test::NumberIn(1.0, 9.0)), 0.0, 0.0, nullptr);
-          const bool isLocal = *rc::gen::inRange(0, 4) == 0;
+          system.SetPOSC(test::AnyInt());
+          system.SetUSGS(test::AnyInt());
+          system.SetLegacyName(FileText().c_str());
+          UCSDef local(std::fabs(test::NumberIn(1.0, 9.0)), 0.0, 0.0, nullptr);
+          const bool isLocal = test::IntIn(0, 4) == 0;
           CSDef& either = isLocal ? static_cast<CSDef&>(local) : system;
-          either.SetToken((*FileText()).c_str());
-          either.SetName((*FileText()).c_str());
-          if (!isLocal) either.SetComment((*FileText()).c_str());
+          either.SetToken(FileText().c_str());
+          either.SetName(FileText().c_str());
+          if (!isLocal) either.SetComment(FileText().c_str());
           list.Add(either);
         }
-        RC_ASSERT(list.Save(path.c_str()));
+        ORV_HOLDS(list.Save(path.c_str()));
         const std::string saved = folder.Read("x.ocf");
         CSList read;
-        RC_ASSERT(read.Load(path.c_str(), true));
-        RC_ASSERT(read.Count() == list.Count());
+        ORV_HOLDS(read.Load(path.c_str(), true));
+        ORV_HOLDS(read.Count() == list.Count());
         for (int pos = list.First(); pos <= list.Last(); ++pos) {
           const CSDef &a = *list.Enum(pos), &b = *read.Enum(pos);
           std::string why;
-          RC_ASSERT(a.Compare(b, false, &why));
-          RC_ASSERT(std::string(a.GetToken()) == b.GetToken());
-          RC_ASSERT(std::string(a.GetName()) == b.GetName());
-          RC_ASSERT(std::string(a.GetComment()) == b.GetComment());
+          ORV_HOLDS(a.Compare(b, false, &why));
+          ORV_HOLDS(std::string(a.GetToken()) == b.GetToken());
+          ORV_HOLDS(std::string(a.GetName()) == b.GetName());
+          ORV_HOLDS(std::string(a.GetComment()) == b.GetComment());
           if (a.Type() == CSTypeUCS) {
-            RC_ASSERT(static_cast<const UCSDef&>(a).GetScale() == static_cast<const UCSDef&>(b).GetScale());
+            ORV_HOLDS(static_cast<const UCSDef&>(a).GetScale() == static_cast<const UCSDef&>(b).GetScale());
             continue;
           }
           const auto &x = static_cast<const ORVDef&>(a), &y = static_cast<const ORVDef&>(b);
-          RC_ASSERT(x.GetPOSC() == y.GetPOSC());
-          RC_ASSERT(x.GetUSGS() == y.GetUSGS());
-          RC_ASSERT(std::string(x.GetLegacyName()) == y.GetLegacyName());
+          ORV_HOLDS(x.GetPOSC() == y.GetPOSC());
+          ORV_HOLDS(x.GetUSGS() == y.GetUSGS());
+          ORV_HOLDS(std::string(x.GetLegacyName()) == y.GetLegacyName());
         }
-        RC_ASSERT(read.Save(path.c_str()));
-        RC_ASSERT(folder.Read("x.ocf") == saved);
+        ORV_HOLDS(read.Save(path.c_str()));
+        ORV_HOLDS(folder.Read("x.ocf") == saved);
       },
       60));
 }

@@ -361,54 +361,53 @@ TEST_F(SystemEntry, WhatIsWrittenReadsBack) {
   EXPECT_TRUE(test::Holds(
       [this] {
         const auto coarse = [](double low, double high) {
-          return rc::gen::map(rc::gen::inRange(static_cast<int>(low * 8), static_cast<int>(high * 8)),
-                              [](int n) { return n / 8.0; });
+          return test::IntIn(static_cast<int>(low * 8), static_cast<int>(high * 8)) / 8.0;
         };
         ProjectionParameters p;
-        p.method = static_cast<ProjectionMethod>(*rc::gen::inRange(1, 28));
-        p.ellipsoid = *rc::gen::arbitrary<bool>() ? test::Bessel()
-                                                  : EllipsoidDef(6378388.0, 1.0 / 256.0, "X", "Y", "", 0);
-        p.Scale = *coarse(1, 9);
-        for (double* const value : {&p.xOrg, &p.yOrg}) *value = *coarse(-1e6, 1e6);
-        for (double* const value : {&p.Lon0, &p.Lon1, &p.Lon2, &p.Lat0}) *value = *coarse(-80, 80);
-        p.Lat1 = *coarse(1, 40);
-        p.Lat2 = *coarse(41, 80);
-        p.K0 = *coarse(1, 3);
-        p.Alpha = *coarse(1, 300);
+        p.method = static_cast<ProjectionMethod>(test::IntIn(1, 28));
+        p.ellipsoid =
+            test::AnyBool() ? test::Bessel() : EllipsoidDef(6378388.0, 1.0 / 256.0, "X", "Y", "", 0);
+        p.Scale = coarse(1, 9);
+        for (double* const value : {&p.xOrg, &p.yOrg}) *value = coarse(-1e6, 1e6);
+        for (double* const value : {&p.Lon0, &p.Lon1, &p.Lon2, &p.Lat0}) *value = coarse(-80, 80);
+        p.Lat1 = coarse(1, 40);
+        p.Lat2 = coarse(41, 80);
+        p.K0 = coarse(1, 3);
+        p.Alpha = coarse(1, 300);
         test::SetFlags(p);
         const ProjectionDef projection(p);
         DatumParameters d;
-        d.method = static_cast<DatumMethod>(*rc::gen::inRange(1, 7));
-        d.target = static_cast<DatumTarget>(*rc::gen::inRange(1, 6));
+        d.method = static_cast<DatumMethod>(test::IntIn(1, 7));
+        d.target = static_cast<DatumTarget>(test::IntIn(1, 6));
         d.ellipsoid = p.ellipsoid;
         for (double* const value : {&d.pmShift, &d.dx, &d.dy, &d.dz, &d.rx, &d.ry, &d.rz, &d.k})
-          *value = *coarse(-99, 99);
-        d.mreType = static_cast<DatumMREType>(*rc::gen::inRange(1, 9));
-        d.nadconPrvi = *rc::gen::arbitrary<bool>();
+          *value = coarse(-99, 99);
+        d.mreType = static_cast<DatumMREType>(test::IntIn(1, 9));
+        d.nadconPrvi = test::AnyBool();
         DatumDef datum(&d, 0);
         datum.SetName("some datum");
-        datum.SetSpecial(static_cast<DatumTarget>(*rc::gen::inRange(0, 6)));
+        datum.SetSpecial(static_cast<DatumTarget>(test::IntIn(0, 6)));
         WarpDef warp;
         warp.SetMethod(WarpMethodAffinePolynomial);
-        test::AddPoints(warp, 3, 3, coarse(-1e4, 1e4));
-        const bool hasWarp = *rc::gen::arbitrary<bool>();
+        test::AddPoints(warp, 3, 3, [&] { return coarse(-1e4, 1e4); });
+        const bool hasWarp = test::AnyBool();
         ORVDef system(&datum, &projection, hasWarp ? &warp : nullptr);
         system.SetName("name; {=}");
         system.SetToken("token");
         system.SetComment("it's");
-        system.SetPOSC(*rc::gen::arbitrary<int>());
-        system.SetUSGS(*rc::gen::arbitrary<int>());
+        system.SetPOSC(test::AnyInt());
+        system.SetUSGS(test::AnyInt());
 
         OpenOrv back;
         Read(back, Written(system));
         std::string why;
-        RC_ASSERT(system.Compare(back, false, &why));
-        RC_ASSERT(back.GetPOSC() == system.GetPOSC());
-        RC_ASSERT(back.GetUSGS() == system.GetUSGS());
-        RC_ASSERT(std::string(back.GetName()) == system.GetName());
-        RC_ASSERT(std::string(back.GetComment()) == system.GetComment());
-        RC_ASSERT(Written(static_cast<const ORVDef&>(back)) == Written(system));
-        RC_ASSERT(back.GetDatum()->GetSpecial() == datum.GetSpecial());
+        ORV_HOLDS(system.Compare(back, false, &why));
+        ORV_HOLDS(back.GetPOSC() == system.GetPOSC());
+        ORV_HOLDS(back.GetUSGS() == system.GetUSGS());
+        ORV_HOLDS(std::string(back.GetName()) == system.GetName());
+        ORV_HOLDS(std::string(back.GetComment()) == system.GetComment());
+        ORV_HOLDS(Written(static_cast<const ORVDef&>(back)) == Written(system));
+        ORV_HOLDS(back.GetDatum()->GetSpecial() == datum.GetSpecial());
       },
       100));
 }

@@ -1,6 +1,5 @@
 // Encoded text of whole systems: random ones there and back, and text that means harm.
 #include <gtest/gtest.h>
-#include <rapidcheck.h>
 
 #include <chrono>
 #include <memory>
@@ -32,7 +31,7 @@ std::unique_ptr<CSDef> Decoded(const std::string& text) {
   const std::string data = "before" + text;
   size_t at = 6;
   std::unique_ptr<CSDef> system(CSDef::BuildFromEncodedText(data, &at));
-  RC_ASSERT(at == data.rfind('<'));
+  ORV_HOLDS(at == data.rfind('<'));
   return system;
 }
 
@@ -40,64 +39,64 @@ void ExpectRoundTrip(const CSDef& system) {
   const std::string text = Encoded(system);
   const std::unique_ptr<CSDef> back = Decoded(text);
   std::string why;
-  RC_ASSERT(system.Compare(*back, false, &why));
-  RC_ASSERT(why.empty());
-  RC_ASSERT(back->Compare(system, false, nullptr));
-  RC_ASSERT(Encoded(*back) == text);
-  RC_ASSERT(std::string(back->GetName()) == system.GetName());
-  RC_ASSERT(std::string(back->GetToken()) == system.GetToken());
-  RC_ASSERT(std::string(back->GetComment()) == system.GetComment());
+  ORV_HOLDS(system.Compare(*back, false, &why));
+  ORV_HOLDS(why.empty());
+  ORV_HOLDS(back->Compare(system, false, nullptr));
+  ORV_HOLDS(Encoded(*back) == text);
+  ORV_HOLDS(std::string(back->GetName()) == system.GetName());
+  ORV_HOLDS(std::string(back->GetToken()) == system.GetToken());
+  ORV_HOLDS(std::string(back->GetComment()) == system.GetComment());
 }
 
 TEST(SystemText, RandomGeoreferencedSystemsComeBack) {
-  EXPECT_TRUE(Holds([] { ExpectRoundTrip(*test::ValidOrvDef()); }));
+  EXPECT_TRUE(Holds([] { ExpectRoundTrip(test::ValidOrvDef()); }));
 }
 
 TEST(SystemText, RandomLocalSystemsComeBack) {
-  EXPECT_TRUE(Holds([] { ExpectRoundTrip(*test::AnyUcsDef()); }));
+  EXPECT_TRUE(Holds([] { ExpectRoundTrip(test::AnyUcsDef()); }));
 }
 
 TEST(SystemText, RandomPartsThatNoSetterTakesComeBack) {
   // The text is put together from the parts' own texts.
   EXPECT_TRUE(Holds([] {
     std::string text = "<{6,ORVDef[1]>\r\n";
-    if (*rc::gen::arbitrary<bool>()) text += Encoded(*test::AnyProjection());
-    if (*rc::gen::arbitrary<bool>()) text += Encoded(*test::AnyDatum());
-    if (*rc::gen::arbitrary<bool>()) text += Encoded(*test::AnyWarp());
+    if (test::AnyBool()) text += Encoded(test::AnyProjection());
+    if (test::AnyBool()) text += Encoded(test::AnyDatum());
+    if (test::AnyBool()) text += Encoded(test::AnyWarp());
     text += "<}6,ORVDef[1]>\r\n";
     const std::unique_ptr<CSDef> system = Decoded(text);
-    RC_ASSERT(Encoded(*system) == text);
-    RC_ASSERT(system->Compare(*Decoded(text), false, nullptr));
+    ORV_HOLDS(Encoded(*system) == text);
+    ORV_HOLDS(system->Compare(*Decoded(text), false, nullptr));
     const std::unique_ptr<CSDef> clone(system->Clone());
-    RC_ASSERT(Encoded(*clone) == text);
+    ORV_HOLDS(Encoded(*clone) == text);
   }));
 }
 
 TEST(SystemText, RandomSystemsAreSerializedAndLoaded) {
   EXPECT_TRUE(Holds([] {
-    ORVDef stored = *test::ValidOrvDef(), loaded = *test::ValidOrvDef();
+    ORVDef stored = test::ValidOrvDef(), loaded = test::ValidOrvDef();
     test::MemoryArchive out;
     stored.Serialize(out);
     test::MemoryArchive in(out.Bytes());
     loaded.Serialize(in);
-    RC_ASSERT(in.Left() == 0u);
-    RC_ASSERT(stored.Compare(loaded, false, nullptr));
-    RC_ASSERT(Encoded(loaded) == Encoded(stored));
-    RC_ASSERT(loaded.GetPOSC() == 0);
-    RC_ASSERT(loaded.GetUSGS() == 0);
-    RC_ASSERT(loaded.GetLegacyName() == nullptr);
+    ORV_HOLDS(in.Left() == 0u);
+    ORV_HOLDS(stored.Compare(loaded, false, nullptr));
+    ORV_HOLDS(Encoded(loaded) == Encoded(stored));
+    ORV_HOLDS(loaded.GetPOSC() == 0);
+    ORV_HOLDS(loaded.GetUSGS() == 0);
+    ORV_HOLDS(loaded.GetLegacyName() == nullptr);
   }));
 }
 
 TEST(SystemText, RandomCopiesAreEqualAndCheckAlike) {
   EXPECT_TRUE(Holds([] {
-    const ORVDef system = *test::ValidOrvDef();
-    RC_ASSERT(system.Check());
+    const ORVDef system = test::ValidOrvDef();
+    ORV_HOLDS(system.Check());
     const std::unique_ptr<ORVDef> clone(system.Clone());
-    RC_ASSERT(system.Compare(*clone, false, nullptr));
-    RC_ASSERT(Encoded(*clone) == Encoded(system));
-    RC_ASSERT(clone->GetPOSC() == system.GetPOSC());
-    RC_ASSERT(clone->GetUSGS() == system.GetUSGS());
+    ORV_HOLDS(system.Compare(*clone, false, nullptr));
+    ORV_HOLDS(Encoded(*clone) == Encoded(system));
+    ORV_HOLDS(clone->GetPOSC() == system.GetPOSC());
+    ORV_HOLDS(clone->GetUSGS() == system.GetUSGS());
   }));
 }
 
@@ -171,16 +170,16 @@ TEST(SystemText, RandomItemsDecodeOrRaise) {
                                       "Ellipsoid", "Method",      "Scale",      "Coeff", "ORVDef",
                                       "POSC",      "SrcControls", "bSouth",     "Radius"};
         std::string text = "<{6,ORVDef[1]>";
-        const int items = *rc::gen::inRange(0, 30);
+        const int items = test::IntIn(0, 30);
         for (int i = 0; i < items; ++i) {
-          const std::string name = kNames[*rc::gen::inRange(0, 14)];
-          const char type = "bdufsv{}{}"[*rc::gen::inRange(0, 10)];
-          const size_t length = *rc::gen::oneOf(rc::gen::just(name.size()), rc::gen::arbitrary<size_t>());
-          const size_t count = *rc::gen::oneOf(rc::gen::inRange<size_t>(0, 8), rc::gen::arbitrary<size_t>());
+          const std::string name = kNames[test::IntIn(0, 14)];
+          const char type = "bdufsv{}{}"[test::IntIn(0, 10)];
+          const size_t length = test::AnyBool() ? name.size() : test::AnySize();
+          const size_t count = test::AnyBool() ? test::SizeIn(0, 8) : test::AnySize();
           text += std::string("<") + type + std::to_string(length) + ',' + name + '[' +
                   std::to_string(count) + ']';
           if (type != '{' && type != '}')
-            text += *rc::gen::element<std::string>("=1,2,3,4,5,6,7", "=\"text\"", "=t", "=");
+            text += test::OneOf<std::string>({"=1,2,3,4,5,6,7", "=\"text\"", "=t", "="});
           text += '>';
         }
         text += "<}6,ORVDef[1]>";

@@ -1,7 +1,6 @@
 #include "orv/tables/LatLonText.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck.h>
 
 #include <cmath>
 #include <cstdio>
@@ -382,22 +381,21 @@ TEST(LatLonText, ADecimalCommaOfTheHostChangesNothing) {
 TEST(LatLonText, ATextReadsBackWithinHalfItsLastPlace) {
   EXPECT_TRUE(orv::test::Holds(
       [] {
-        const double magnitude = *orv::test::NumberIn(0.0, 360.0);
-        const double degrees = *rc::gen::arbitrary<bool>() ? magnitude : -magnitude;
-        const int decimals = *rc::gen::inRange(0, 16);
+        const double magnitude = orv::test::NumberIn(0.0, 360.0);
+        const double degrees = orv::test::AnyBool() ? magnitude : -magnitude;
+        const int decimals = orv::test::IntIn(0, 16);
         // Either a minus or a hemisphere letter tells the sign.
-        const int sign = *rc::gen::element(0x0020, 0x0060, 0x00A0, 0x1000, 0x3000, 0x1020, 0x1060);
-        const int form = *rc::gen::element(0x0000, 0x0010, 0x0100);
-        const int looks = *rc::gen::element(0x0000, 0x0200, 0x4000, 0x4200);
-        const Symbols symbols = *rc::gen::element(Symbols{'d', 'm', 's'}, Symbols{'\xB0', '\'', '"'});
+        const int sign = orv::test::OneOf({0x0020, 0x0060, 0x00A0, 0x1000, 0x3000, 0x1020, 0x1060});
+        const int form = orv::test::OneOf({0x0000, 0x0010, 0x0100});
+        const int looks = orv::test::OneOf({0x0000, 0x0200, 0x4000, 0x4200});
+        const Symbols symbols = orv::test::AnyBool() ? Symbols{'d', 'm', 's'} : Symbols{'\xB0', '\'', '"'};
         const std::string text = TextOf(degrees, decimals | sign | form | looks, symbols);
         double read = -999.0;
-        RC_ASSERT(LatLonToDegrees(text.c_str(), &read, symbols.degree));
+        ORV_HOLDS(LatLonToDegrees(text.c_str(), &read, symbols.degree));
         const double unit = form == 0x0010 ? 1.0 : form == 0x0100 ? 60.0 : 3600.0;
         // Half a place, and some roundings of values up to 360.
         const double tolerance = 0.5 * std::pow(10.0, -decimals) / unit + 4.0 * 360.0 * 1.2e-16;
-        RC_LOG() << degrees << " -> " << text << " -> " << read << "\n";
-        RC_ASSERT(std::fabs(read - degrees) <= tolerance);
+        ORV_HOLDS(std::fabs(read - degrees) <= tolerance);
       },
       2000));
 }
@@ -405,12 +403,12 @@ TEST(LatLonText, ATextReadsBackWithinHalfItsLastPlace) {
 TEST(LatLonText, AnyBytesParseOrFailButNeverMore) {
   EXPECT_TRUE(orv::test::Holds(
       [] {
-        const auto bytes = *rc::gen::container<std::string>(rc::gen::element(
-            '0', '5', '9', '.', 'd', 'D', 'm', 's', 'S', 'N', 'w', '\'', '"', ' ', '\t', '+', '-', '\xB0'));
+        const std::string bytes = orv::test::TextOf(
+            {'0', '5', '9', '.', 'd', 'D', 'm', 's', 'S', 'N', 'w', '\'', '"', ' ', '\t', '+', '-', '\xB0'});
         double degrees = 1234.5;
         const bool parsed = LatLonToDegrees(bytes.c_str(), &degrees, '\xB0');
         const bool sound = parsed ? !std::isnan(degrees) : degrees == 1234.5;
-        RC_ASSERT(sound);
+        ORV_HOLDS(sound);
       },
       2000));
 }

@@ -564,15 +564,15 @@ TEST(WarpDef, ABadValueIsReportedByTheValueReader) {
 TEST(WarpDef, EncodedTextComesBackAlike) {
   EXPECT_TRUE(orv::test::Holds(
       [] {
-        const WarpDef def = *orv::test::AnyWarp();
+        const WarpDef def = orv::test::AnyWarp();
         const std::string text = Encoded(def);
         WarpDef read = MakeWarp(5, 7, 8);
         size_t position = 0;
         read.DecodeFromText(text, &position);
-        RC_ASSERT(position == text.size());
-        RC_ASSERT(read.Compare(def));
-        RC_ASSERT(def.Compare(read));
-        RC_ASSERT(Encoded(read) == text);
+        ORV_HOLDS(position == text.size());
+        ORV_HOLDS(read.Compare(def));
+        ORV_HOLDS(def.Compare(read));
+        ORV_HOLDS(Encoded(read) == text);
       },
       500));
 }
