@@ -17,9 +17,11 @@
 #include "orv/convert/SystemText.h"
 #include "orv/core/Error.h"
 #include "orv/core/Startup.h"
+#include "orv/core/internal/Utf8.h"
 #include "orv/datum/DatumDef.h"
 #include "orv/shared/Exception.h"
 #include "orv/system/ORVDef.h"
+#include "orv/system/internal/Angles.h"
 #include "orv/system/internal/Georeferenced.h"
 
 struct orv_system {
@@ -107,6 +109,8 @@ orv_status Guarded(Work work) noexcept {
     return ORV_C_FAIL(ORV_ERROR_FAILED, "out of memory");
   } catch (const std::exception& e) {
     return ORV_C_FAIL(ORV_ERROR_FAILED, e.what());
+  } catch (...) {
+    return ORV_C_FAIL(ORV_ERROR_FAILED, "an exception of unknown type");
   }
 }
 
@@ -121,6 +125,11 @@ Starts& TheStarts() {
   static Starts starts;
   return starts;
 }
+
+/// Whatever names or plans needs the catalogue.
+#define ORV_C_REQUIRE_CATALOGUE()                         \
+  if (!orv::ORVActive() || orv::ORVReferenceCount() == 0) \
+  return ORV_C_FAIL(ORV_ERROR_STATE, "the catalogue is not loaded: call orv_initialize first")
 
 // ---- points ----------------------------------------------------------------------------------------------
 
@@ -139,9 +148,10 @@ void Fill(orv_report* out, const orv::ConversionReport& report) {
       out->first_lost = std::min(out->first_lost, report.Tally(event).first);
     }
   }
+  out->doubtful = report.Doubtful();
   out->outside_grids = count(orv::ConversionNotedOutsideGrids);
-  out->far_from_meridian =
-      count(orv::ConversionNotedFarFromSourceMeridian) + count(orv::ConversionNotedFarFromDestMeridian);
+  out->far_from_source_meridian = count(orv::ConversionNotedFarFromSourceMeridian);
+  out->far_from_target_meridian = count(orv::ConversionNotedFarFromDestMeridian);
 }
 
 double* Step(double* at, size_t bytes) {
@@ -215,6 +225,7 @@ orv_status orv_system_create(const char* text, orv_system** system) {
   ORV_C_REQUIRE(text);
   ORV_C_REQUIRE(system);
   return Guarded([&] {
+    ORV_C_REQUIRE_CATALOGUE();
     auto made = std::make_unique<orv_system>();
     made->definition = orv::ORVReadSystem(text);
     const orv::CSDef& definition = *made->definition;
@@ -224,6 +235,7 @@ orv_status orv_system_create(const char* text, orv_system** system) {
     made->texts[ORV_SYSTEM_COMMENT] = definition.GetComment();
     made->texts[ORV_SYSTEM_DATUM] = DatumName(*made);
     definition.EncodeToText(made->texts[ORV_SYSTEM_ENCODED]);
+    for (std::string& each : made->texts) each = orv::internal::WellFormedUtf8(each);
     *system = made.release();
     return ORV_OK;
   });
@@ -255,7 +267,7 @@ orv_status orv_system_is_geographic(const orv_system* system, int* geographic) {
   ORV_C_REQUIRE(system);
   ORV_C_REQUIRE(geographic);
   const orv::ORVDef* const def = Georeferenced(*system);
-  *geographic = def && !def->HasProjection(false, true) ? 1 : 0;
+  *geographic = def && orv::internal::DegreesPerUnit(*def) != 0.0 ? 1 : 0;
   return ORV_OK;
 }
 
@@ -282,12 +294,14 @@ orv_status orv_entries_create(orv_list list, const char* words, size_t limit, or
   ORV_C_REQUIRE(static_cast<unsigned int>(list) <= ORV_LIST_ANGULAR_UNITS);
   ORV_C_REQUIRE(entries);
   return Guarded([&] {
-    if (!orv::ORVActive() || orv::ORVReferenceCount() == 0) {
-      return ORV_C_FAIL(ORV_ERROR_STATE, "the catalogue is not loaded: call orv_initialize first");
-    }
+    ORV_C_REQUIRE_CATALOGUE();
     auto made = std::make_unique<orv_entries>();
     made->entries = orv::ORVSearchKnown(static_cast<orv::KnownList>(list), words ? words : "", limit);
-    for (const orv::KnownEntry& entry : made->entries) made->shortNames.push_back(entry.ShortName());
+    for (orv::KnownEntry& entry : made->entries) {
+      for (std::string* const text : {&entry.token, &entry.name, &entry.about})
+        *text = orv::internal::WellFormedUtf8(*text);
+      made->shortNames.push_back(entry.ShortName());
+    }
     *entries = made.release();
     return ORV_OK;
   });
@@ -322,6 +336,7 @@ orv_status orv_conversion_create(const orv_system* from, const orv_system* to, o
   ORV_C_REQUIRE(to);
   ORV_C_REQUIRE(conversion);
   return Guarded([&] {
+    ORV_C_REQUIRE_CATALOGUE();
     *conversion = new orv_conversion{orv::Conversion::Create(*from->definition, *to->definition), {}, {}, {}};
     return ORV_OK;
   });
@@ -376,6 +391,7 @@ orv_status orv_conversion_explain(orv_conversion* conversion, int json, const ch
   ORV_C_REQUIRE(conversion);
   ORV_C_REQUIRE(text);
   return Guarded([&] {
+    ORV_C_REQUIRE_CATALOGUE();
     std::call_once(conversion->explained, [&] {
       const orv::Explanation explanation = conversion->conversion.Explain();
       conversion->text = explanation.ToText();

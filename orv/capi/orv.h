@@ -9,7 +9,8 @@
  * - Texts are UTF-8, never null, and end with a zero byte. A text that a function gives belongs to the handle that was
  *   asked and stays valid, unchanged, until that handle is destroyed.
  * - Points are pairs of doubles: x is longitude or easting, y is latitude or northing, angles in degrees.
- * - One call is needed before systems can be named: orv_initialize(NULL), which finds the installed catalogue.
+ * - One call is needed before systems, entries and conversions are made or explained: orv_initialize(NULL), which finds the
+ *   installed catalogue. Neither it nor orv_shutdown may run while another thread is in such a call.
  */
 #ifndef ORV_CAPI_ORV_H
 #define ORV_CAPI_ORV_H
@@ -23,7 +24,7 @@ extern "C" {
 #endif
 
 /** Grows with every change of this header. orv_version tells the number that the module was built with. */
-#define ORV_C_API_VERSION 1
+#define ORV_C_API_VERSION 2
 
 /** A coordinate that holds this number has no value. */
 #define ORV_NO_VALUE 1.7976931348623157e308
@@ -150,12 +151,14 @@ typedef struct orv_report {
   size_t placed;        /**< have a place in the target system */
   size_t lost;          /**< have none: both coordinates are ORV_NO_VALUE */
   size_t first_lost;    /**< index of the first lost one; equal to points when none is */
-  size_t outside_grids; /**< placed, but outside all grids of a grid method, which left them unshifted */
+  size_t doubtful;      /**< placed, but one or more of the following holds; each point counts once */
+  size_t outside_grids; /**< outside all grids of a grid method, which left them unshifted */
   size_t
-      far_from_meridian; /**< placed, but so far from the meridian of a Transverse Mercator that it means little */
+      far_from_source_meridian; /**< so far from the meridian of the source's Transverse Mercator that it means little */
+  size_t far_from_target_meridian; /**< the same of the target's */
 } orv_report;
 
-/** Plans a conversion. Grids are read when a point first needs them. */
+/** Plans a conversion. Grids are read when points first need them; when one is missing, no point is touched. */
 ORV_API orv_status orv_conversion_create(const orv_system* from, const orv_system* to,
                                          orv_conversion** conversion);
 ORV_API orv_status orv_conversion_destroy(orv_conversion* conversion);

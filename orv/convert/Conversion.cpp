@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <string>
 #include <utility>
@@ -15,6 +16,7 @@
 #include "orv/convert/internal/GridPlaces.h"
 #include "orv/convert/internal/GridTrace.h"
 #include "orv/convert/internal/MeridianReach.h"
+#include "orv/convert/internal/OneDatum.h"
 #include "orv/core/internal/Angle.h"
 #include "orv/core/internal/Fail.h"
 #include "orv/core/internal/Marker.h"
@@ -29,6 +31,7 @@
 #include "orv/system/CSList.h"
 #include "orv/system/CSTransformer.h"
 #include "orv/system/ORVDef.h"
+#include "orv/system/internal/Angles.h"
 #include "orv/system/internal/Georeferenced.h"
 #include "orv/warp/WarpDef.h"
 
@@ -48,14 +51,23 @@ constexpr size_t kBlock = lanes::kBlockPoints;
 
 bool IsProjected(const ORVDef& system) { return system.HasProjection(false, true); }
 
-bool IsGeographic(const CSDef& system) {
+/// As DegreesPerUnit; 0 for a local system.
+double AngleUnitOf(const CSDef& system) {
   const ORVDef* const def = Georeferenced(system);
-  return def && !IsProjected(*def);
+  return def ? internal::DegreesPerUnit(*def) : 0.0;
 }
 
 /// Whether there is a datum step between two systems that a CSTransformer accepts.
+///
+/// Raised: 1043 when nothing is known of how either datum converts and they are not one; a CSTransformer takes all such
+/// datums for one.
 bool DatumsDiffer(const ORVDef& from, const ORVDef& to) {
-  return from.GetDatum() && to.GetDatum() && !from.GetDatum()->CompareParameters(to.GetDatum());
+  if (!from.GetDatum() || !to.GetDatum()) return false;
+  if (!from.GetDatum()->CompareParameters(to.GetDatum())) return true;
+  if (!internal::IsOneDatum(*from.GetDatum(), *to.GetDatum())) {
+    ORV_FAIL(ErrSourceDatumMethod, "Two datums of unknown method are not one.");
+  }
+  return false;
 }
 
 /// Longitude and latitude on the datum of a system.
@@ -87,7 +99,7 @@ struct Conversion::Shared {
 
   std::unique_ptr<CSDef> from;
   std::unique_ptr<CSDef> to;
-  bool fromGeographic = false;
+  double fromAngleUnit = 0.0;  ///< degrees in a unit of the points; 0 when they are no angles
 
   Worker::Chain plan;                        ///< what workers are copies of
   std::optional<internal::GridTrace> grids;  ///< of a datum stage that uses some
@@ -102,12 +114,10 @@ struct Conversion::Shared {
   std::unique_ptr<Worker::Chain> Take() const;
   void GiveBack(std::unique_ptr<Worker::Chain> chain) const;
   void Run(Worker::Chain& chain, shr::Vec2d* points, size_t count, ConversionReport* report) const;
-  void RunOrSayWhatIsMissing(Worker::Chain& chain, shr::Vec2d* points, size_t count,
-                             ConversionReport* report) const;
 };
 
 void Conversion::Shared::Plan() {
-  fromGeographic = IsGeographic(*from);
+  fromAngleUnit = AngleUnitOf(*from);
   const ORVDef* const source = Georeferenced(*from);
   const ORVDef* const dest = Georeferenced(*to);
   if (source && dest) {
@@ -252,8 +262,8 @@ std::vector<ConversionStage> Conversion::Stages() const {
 }
 const CSDef& Conversion::From() const { return *m_pShared->from; }
 const CSDef& Conversion::To() const { return *m_pShared->to; }
-bool Conversion::FromGeographic() const { return m_pShared->fromGeographic; }
-bool Conversion::ToGeographic() const { return IsGeographic(*m_pShared->to); }
+double Conversion::FromAngleUnit() const { return m_pShared->fromAngleUnit; }
+double Conversion::ToAngleUnit() const { return AngleUnitOf(*m_pShared->to); }
 
 // ---- points ----------------------------------------------------------------------------------------------
 
@@ -261,11 +271,11 @@ namespace {
 
 bool IsPoint(const shr::Vec2d& p) { return std::isfinite(p.x) && std::isfinite(p.y) && !IsMarked(p); }
 
-/// Whether any latitude may be beyond 90 degrees: also true for some points that are none.  Branch-free: the signs
-/// of the distances to 90 are gathered.
-bool AnyBeyondPole(const shr::Vec2d* points, size_t count) {
+/// Whether any latitude may be beyond the pole's: also true for some points that are none.  Branch-free: the signs
+/// of the distances to the pole are gathered.
+bool AnyBeyondPole(const shr::Vec2d* points, size_t count, double pole) {
   uint64_t signs[2] = {0, 0};  // side by side, for neither waits for the other
-  const auto sign = [](double y) { return std::bit_cast<uint64_t>(90.0 - std::fabs(y)); };
+  const auto sign = [pole](double y) { return std::bit_cast<uint64_t>(pole - std::fabs(y)); };
   size_t i = 0;
   for (; i + 4 <= count; i += 4) {
     signs[0] |= sign(points[i].y) | sign(points[i + 1].y);
@@ -350,7 +360,14 @@ void Conversion::Shared::Run(Worker::Chain& chain, shr::Vec2d* points, size_t co
     ORV_FAIL(ErrBadParameter, ORV_BAD_PARAMETER_STOP);
     return;
   }
+  // What can fail fails here, before a point is touched.
+  if (const auto missing = count > 0 && grids ? grids->FindMissing() : internal::GridTrace::Missing();
+      missing.message) {
+    ORV_FAIL(ErrDatumMethod, "%s  %s.", missing.message, internal::GridPlacesText(missing.method).c_str());
+  }
   const lanes::KernelTable& kernels = lanes::Kernels();
+  const bool fromAngles = fromAngleUnit != 0.0;
+  const double pole = fromAngles ? 90.0 / fromAngleUnit : 0.0;
   for (size_t at = 0; at < count; at += kBlock) {
     shr::Vec2d* const block = points + at;
     const size_t n = std::min(count - at, kBlock);
@@ -362,9 +379,9 @@ void Conversion::Shared::Run(Worker::Chain& chain, shr::Vec2d* points, size_t co
     if (looked && kernels.checkMarks(&block->x, n)) {
       events.Lose(block, [](size_t) { return ConversionLostNoPoint; });
     }
-    if (fromGeographic && AnyBeyondPole(block, n)) {
+    if (fromAngles && AnyBeyondPole(block, n, pole)) {
       for (size_t i = 0; i < n; ++i) {
-        if (std::fabs(block[i].y) > 90.0 && !IsMarked(block[i]))
+        if (std::fabs(block[i].y) > pole && !IsMarked(block[i]))
           events.Lose(block, i, ConversionLostLatitude);
       }
     }
@@ -406,16 +423,6 @@ void Conversion::Shared::Run(Worker::Chain& chain, shr::Vec2d* points, size_t co
   }
 }
 
-void Conversion::Shared::RunOrSayWhatIsMissing(Worker::Chain& chain, shr::Vec2d* points, size_t count,
-                                               ConversionReport* report) const {
-  try {
-    Run(chain, points, count, report);
-  } catch (const shr::Exception& e) {
-    if (e.Code() != ErrDatumMethod || !grids) throw;
-    ORV_FAIL(e.Code(), "%s  %s.", e.Message(), internal::GridPlacesText(grids->MissingMethod()).c_str());
-  }
-}
-
 std::unique_ptr<Conversion::Worker::Chain> Conversion::Shared::Take() const {
   {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -430,7 +437,10 @@ std::unique_ptr<Conversion::Worker::Chain> Conversion::Shared::Take() const {
 
 void Conversion::Shared::GiveBack(std::unique_ptr<Worker::Chain> chain) const {
   const std::lock_guard<std::mutex> lock(mutex);
-  idle.push_back(std::move(chain));
+  try {
+    idle.push_back(std::move(chain));
+  } catch (const std::bad_alloc&) {  // then the next worker makes one
+  }
 }
 
 Conversion::Worker Conversion::MakeWorker() const { return Worker(m_pShared, m_pShared->Take()); }
@@ -453,10 +463,10 @@ Conversion::Worker::~Worker() {
 }
 
 void Conversion::Worker::Convert(shr::Vec2d* points, size_t count) {
-  m_pShared->RunOrSayWhatIsMissing(*m_pChain, points, count, nullptr);
+  m_pShared->Run(*m_pChain, points, count, nullptr);
 }
 void Conversion::Worker::Convert(shr::Vec2d* points, size_t count, ConversionReport& report) {
-  m_pShared->RunOrSayWhatIsMissing(*m_pChain, points, count, &report);
+  m_pShared->Run(*m_pChain, points, count, &report);
 }
 
 // ---- there and back --------------------------------------------------------------------------------------
@@ -487,9 +497,11 @@ RoundTrip ORVRoundTrip(const Conversion& there, const Conversion& back, const sh
   RoundTrip result;
   for (size_t i = 0; i < count; ++i) {
     if (IsMarked(moved[i])) continue;
-    const double distance = there.FromGeographic()
-                                ? OnTheSphere(points[i], moved[i])
-                                : std::hypot(moved[i].x - points[i].x, moved[i].y - points[i].y);
+    const double unit = there.FromAngleUnit();
+    const double distance =
+        there.FromGeographic()
+            ? OnTheSphere({points[i].x * unit, points[i].y * unit}, {moved[i].x * unit, moved[i].y * unit})
+            : std::hypot(moved[i].x - points[i].x, moved[i].y - points[i].y);
     if (result.returned++ == 0 || distance > result.largest) {
       result.largest = distance;
       result.worst = i;

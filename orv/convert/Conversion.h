@@ -19,12 +19,15 @@ struct Explanation;
 ///
 /// It is a chain of CSTransformers with one stage each: source projection backward, datum, destination projection
 /// forward, destination warp, of which only those that are needed are there.  Results are those of one CSTransformer
-/// between the two systems, bit for bit, but for three cases in which that one would give numbers that are wrong:
+/// between the two systems, bit for bit, but for four cases in which that one would give numbers that are wrong:
 ///
 /// - Equal projections on different datums.  A CSTransformer lets equal projections cancel each other even then, and
 ///   shifts projected numbers as if they were degrees; a Conversion goes through longitude and latitude.
 /// - Points that are none.  Whatever the stages, a point with the marker, a NaN or an infinity in either coordinate
 ///   becomes the marker in both.
+/// - Datums of which nothing is known.  A CSTransformer takes two datums of method Unknown for one, whichever they are;
+///   here they are one only when their numbers agree or, without numbers, their names and ellipsoids, and Create raises
+///   otherwise.
 /// - Latitudes beyond 90 degrees of a geographic source.  A CSTransformer folds them back over the pole (100 is 80);
 ///   here the point is lost.
 ///
@@ -67,9 +70,9 @@ class ORV_API Conversion {
   /// Any number of threads may call this on one object at once: each call takes a worker from a pool, which grows to
   /// the largest number of calls at a time.
   ///
-  /// Raised: 1032 "Bad parameter to function call." for null points with a count; what the stages raise, with the
-  /// points converted as far as they got.  Missing grids: 1034, the converter's text with the places that were
-  /// searched.
+  /// Raised: 1032 "Bad parameter to function call." for null points with a count.  Missing grids: 1034, the converter's text
+  /// with the places that were searched, before any point is touched.  What else a stage raises leaves the points as far as
+  /// they got.
   void Convert(shr::Vec2d* points, size_t count) const;
   /// The same, and adds the points to the report: their first one has the index report.Points().  After a failure the
   /// report holds the points of the blocks that were done.
@@ -88,9 +91,13 @@ class ORV_API Conversion {
   /// The systems as they were given.
   const CSDef& From() const;
   const CSDef& To() const;
-  /// Whether the points of that side are longitudes and latitudes: georeferenced and not projected.
-  bool FromGeographic() const;
-  bool ToGeographic() const;
+  /// Whether the points of that side are longitudes and latitudes, in whatever unit and from whatever meridian.
+  bool FromGeographic() const { return FromAngleUnit() != 0.0; }
+  bool ToGeographic() const { return ToAngleUnit() != 0.0; }
+  /// Degrees in one unit of that side's longitudes and latitudes: 1, 0.9 for grads, 57.3 for radians; 0 when its points are
+  /// none.
+  double FromAngleUnit() const;
+  double ToAngleUnit() const;
 
  private:
   struct Shared;

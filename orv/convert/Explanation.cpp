@@ -108,8 +108,6 @@ class DatumStage {
       ExplainedStep step;
       if (planned.direction == DatumStep::Nothing) {
         step.direction = "none";
-        step.from = NameOf(m_From);
-        step.to = NameOf(m_To);
         steps.push_back(step);
         continue;
       }
@@ -123,6 +121,12 @@ class DatumStage {
       step.needsGrids = NeedsGrids(planned.datum.GetMethod());
       if (step.needsGrids) step.grids = GridsOf(planned.datum.GetMethod());
       steps.push_back(step);
+    }
+    // Where nothing is done, a datum counts as the one that the next step begins with.
+    for (size_t i = 0; i < steps.size(); ++i) {
+      if (steps[i].direction != "none") continue;
+      steps[i].from = i > 0 ? steps[i - 1].to : NameOf(m_From);
+      steps[i].to = i + 1 < steps.size() ? steps[i + 1].from : NameOf(m_To);
     }
     return steps;
   }
@@ -193,6 +197,26 @@ class DatumStage {
   std::vector<GridSource> m_Grids;
 };
 
+/// Says of two datums that count as one that they do, and what is stated of them.
+void NoteOneDatum(const DatumDef* from, const DatumDef* to, std::vector<std::string>& notes) {
+  if (!from || !to) return;
+  const auto told = [](const DatumDef& datum) {
+    const ExplainedName name = NameOf(datum);
+    const StatedQuality stated = StatedIn(datum.GetComment());
+    std::string text = name.name.empty() ? "a datum without a name" : name.name;
+    std::string more = name.token;
+    for (const auto& [key, value] :
+         {std::pair("", stated.operation), std::pair("accuracy: ", stated.accuracy)}) {
+      if (!value.empty()) more += (more.empty() ? "" : "; ") + std::string(key) + value;
+    }
+    return more.empty() ? text : text + " (" + more + ")";
+  };
+  const std::string here = told(*from), there = told(*to);
+  if (here == there) return;
+  notes.push_back("The datums count as one, nothing is shifted between them: " + here + " and " + there +
+                  ".");
+}
+
 }  // namespace
 
 Explanation Conversion::Explain() const {
@@ -221,6 +245,7 @@ Explanation Conversion::Explain() const {
     }
     result.stages.push_back(std::move(stage));
   }
+  if (source && dest && !datum) NoteOneDatum(source->GetDatum(), dest->GetDatum(), result.notes);
   const bool bothProjected =
       source && dest && source->HasProjection(false, true) && dest->HasProjection(false, true);
   if (bothProjected && source->GetProjection()->Compare(*dest->GetProjection(), nullptr)) {

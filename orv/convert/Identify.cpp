@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "orv/convert/internal/OneDatum.h"
 #include "orv/core/internal/Number.h"
 #include "orv/core/internal/Text.h"
 #include "orv/datum/DatumDef.h"
@@ -103,10 +104,9 @@ std::string DatumText(const DatumDef* datum) {
 }
 
 void CompareDatums(const ORVDef& asked, const ORVDef& known, Gap& gap) {
-  const DatumDef* const here = asked.HasDatum(true) ? asked.GetDatum() : nullptr;
-  const DatumDef* const there = known.HasDatum(true) ? known.GetDatum() : nullptr;
+  const DatumDef *const here = asked.GetDatum(), *const there = known.GetDatum();
   if (!here && !there) return;
-  if (here && there && here->CompareParameters(there)) return;
+  if (here && there && internal::IsOneDatum(*here, *there)) return;
   if (here && there && here->GetPOSCNumber() != 0 && here->GetPOSCNumber() == there->GetPOSCNumber()) {
     gap.Add(1.0, "Datum Parameters", DatumText(here), DatumText(there));
   } else {
@@ -140,6 +140,13 @@ bool IsProjectionMatter(const SystemDifference& difference) {
 std::vector<SystemMatch> EqualSystems(const CSDef& system) {
   std::vector<int> positions;
   ORVKnownSystemsList.FindSystem(system, false, positions);
+  // The list takes all datums of method Unknown for one.
+  if (const ORVDef* const asked = Georeferenced(system); asked && asked->GetDatum()) {
+    std::erase_if(positions, [asked](int position) {
+      const ORVDef* const known = Georeferenced(*ORVKnownSystemsList.Enum(position));
+      return known && known->GetDatum() && !internal::IsOneDatum(*asked->GetDatum(), *known->GetDatum());
+    });
+  }
   std::vector<SystemMatch> matches;
   if (positions.empty()) return matches;
   const int best = ORVKnownSystemsList.FindSystem(system, false, false);

@@ -44,7 +44,8 @@ constexpr double kAlikeDistance = 1e-3;
 ///
 /// Projections are measured on nine points around the centre of the projection asked about, two and a half
 /// degrees to each side; a point that only one of both can place makes them Different.  Datums are compared
-/// by DatumDef::CompareParameters.  Warps take part; names, tokens and comments do not.
+/// by DatumDef::CompareParameters; two of method Unknown, for which it finds no difference, also by number or else by name
+/// and ellipsoid.  Warps take part; names, tokens and comments do not.
 ///
 /// @param limit  at most so many; 0 for all that are Equal or Alike, and for 3 Different ones.
 ORV_API std::vector<SystemMatch> ORVIdentifySystem(const CSDef& system, size_t limit);

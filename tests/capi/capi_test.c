@@ -61,7 +61,7 @@ static void test_errors_before_the_start(void) {
   EXPECT(orv_entries_create(ORV_LIST_SYSTEMS, NULL, 0, &entries) == ORV_ERROR_STATE);
   EXPECT(is_last(ORV_ERROR_STATE, 0, "call orv_initialize first"));
   EXPECT(orv_shutdown() == ORV_ERROR_STATE);
-  EXPECT(orv_system_create("EPSG:4326", &system) == ORV_ERROR_DEFINITION);
+  EXPECT(orv_system_create("EPSG:4326", &system) == ORV_ERROR_STATE);
   EXPECT(system == NULL && entries == NULL);
 }
 
@@ -100,6 +100,13 @@ static void test_systems(void) {
   EXPECT(orv_system_code(system, &code) == ORV_OK && code == 32633);
   EXPECT(orv_system_is_geographic(system, &yes) == ORV_OK && yes == 0);
   EXPECT(orv_system_is_geographic(geographic, &yes) == ORV_OK && yes == 1);
+
+  copy = read_system("4807"); /* grads from Paris */
+  EXPECT(orv_system_is_geographic(copy, &yes) == ORV_OK && yes == 1);
+  orv_system_destroy(copy);
+  copy = read_system("name=Caf\xE9,method=UTM,Lon0=9,datum=EPSG:6326"); /* Latin 1 */
+  EXPECT(orv_system_text(copy, ORV_SYSTEM_NAME, &again) == ORV_OK && strcmp(again, "Caf\xEF\xBF\xBD") == 0);
+  orv_system_destroy(copy);
 
   copy = read_system(text);
   EXPECT(orv_system_equals(system, copy, &yes) == ORV_OK && yes == 1);
@@ -179,7 +186,8 @@ static void test_conversion(void) {
   EXPECT(fabs(xy[0] - 398178.3970) < 1e-3 && fabs(xy[1] - 5817709.5264) < 1e-3);
   EXPECT(xy[2] == ORV_NO_VALUE && xy[3] == ORV_NO_VALUE);
   EXPECT(report.points == 3 && report.placed == 2 && report.lost == 1 && report.first_lost == 1);
-  EXPECT(report.outside_grids == 0 && report.far_from_meridian == 1);
+  EXPECT(report.doubtful == 1 && report.outside_grids == 0); /* the third point is 35 degrees from the meridian */
+  EXPECT(report.far_from_source_meridian == 0 && report.far_from_target_meridian == 1);
 
   EXPECT(orv_conversion_strided(conversion, &records[0].x, sizeof(struct record), &records[0].y, sizeof(struct record),
                                 3, &report) == ORV_OK);
@@ -206,7 +214,8 @@ static void test_conversion(void) {
 static void test_conversions_that_fail(void) {
   orv_system *wgs84 = read_system("EPSG:4326"), *sphere = read_system("method=Mercator,a=6378137,f=0"), *other;
   orv_conversion* conversion = NULL;
-  double xy[2] = {-100.0, 40.0};
+  double xy[2] = {-100.0, 40.0}, metres[2] = {500000.0, 4000000.0};
+  orv_report report = {77, 0, 0, 0, 0, 0, 0, 0};
   EXPECT(orv_conversion_create(sphere, wgs84, &conversion) == ORV_ERROR_NO_ROUTE);
   EXPECT(is_last(ORV_ERROR_NO_ROUTE, 1041, ""));
   EXPECT(orv_conversion_create(NULL, wgs84, &conversion) == ORV_ERROR_ARGUMENT);
@@ -225,8 +234,44 @@ static void test_conversions_that_fail(void) {
   EXPECT(orv_conversion_points(conversion, xy, 1, NULL) == ORV_ERROR_GRIDS);
   EXPECT(is_last(ORV_ERROR_GRIDS, 1034, ""));
   orv_conversion_destroy(conversion);
+
+  /* what fails leaves its results as they were, also behind a projection that could be done */
+  conversion = plan("method=UTM,Lon0=-111,ellipsoid=EPSG:7008,datum.method=NTV2,datum.target=NAD83", "datum=NAD83");
+  EXPECT(orv_conversion_points(conversion, metres, 1, &report) == ORV_ERROR_GRIDS);
+  EXPECT(metres[0] == 500000.0 && metres[1] == 4000000.0 && report.points == 77);
+  EXPECT(orv_conversion_strided(conversion, metres, 16, metres + 1, 16, 1, &report) == ORV_ERROR_GRIDS);
+  EXPECT(metres[0] == 500000.0 && metres[1] == 4000000.0 && report.points == 77);
+  orv_conversion_destroy(conversion);
+
+  /* 11 degrees from one meridian and 17 from the other: both notes, one point */
+  conversion = plan("EPSG:32633", "EPSG:32631");
+  metres[0] = 1600000.0;
+  metres[1] = 5500000.0;
+  EXPECT(orv_conversion_points(conversion, metres, 1, &report) == ORV_OK);
+  EXPECT(report.points == 1 && report.placed == 1 && report.doubtful == 1);
+  EXPECT(report.far_from_source_meridian == 1 && report.far_from_target_meridian == 1);
+  orv_conversion_destroy(conversion);
   orv_system_destroy(wgs84);
   orv_system_destroy(sphere);
+}
+
+static void test_after_the_end(void) {
+  orv_system *wgs84 = read_system("EPSG:4326"), *utm = read_system("EPSG:32633"), *none = NULL;
+  orv_conversion *conversion = NULL, *another = NULL;
+  const char* text = NULL;
+  double xy[2] = {15.0, 0.0};
+  EXPECT(orv_conversion_create(wgs84, utm, &conversion) == ORV_OK);
+  EXPECT(orv_shutdown() == ORV_OK);
+  /* handles stay valid, but nothing new is planned or explained */
+  EXPECT(orv_conversion_points(conversion, xy, 1, NULL) == ORV_OK && fabs(xy[0] - 500000.0) < 1e-6 && fabs(xy[1]) < 1e-6);
+  EXPECT(orv_system_text(wgs84, ORV_SYSTEM_TOKEN, &text) == ORV_OK && strcmp(text, "EPSG:4326") == 0);
+  EXPECT(orv_conversion_create(wgs84, utm, &another) == ORV_ERROR_STATE && another == NULL);
+  EXPECT(orv_conversion_explain(conversion, 0, &text) == ORV_ERROR_STATE);
+  EXPECT(is_last(ORV_ERROR_STATE, 0, "call orv_initialize first"));
+  EXPECT(orv_system_create("EPSG:4326", &none) == ORV_ERROR_STATE && none == NULL);
+  orv_conversion_destroy(conversion);
+  orv_system_destroy(wgs84);
+  orv_system_destroy(utm);
 }
 
 int main(int argc, char** argv) {
@@ -237,7 +282,7 @@ int main(int argc, char** argv) {
   test_catalogue();
   test_conversion();
   test_conversions_that_fail();
-  EXPECT(orv_shutdown() == ORV_OK);
+  test_after_the_end();
   EXPECT(orv_shutdown() == ORV_ERROR_STATE);
   printf(failures == 0 ? "all passed\n" : "%d failed\n", failures);
   return failures == 0 ? 0 : 1;

@@ -348,6 +348,14 @@ TEST_F(ConversionReportTest, MissingGridsAreNamedWithThePlacesThatWereSearched) 
       "NADCON grid shift files missing or corrupt.  NADGRIDS.ZIP, or .los with .las files, looked for in: " +
           nowhere + ".");
   EXPECT_EQ(report.Points(), 0u);
+  // No point is touched, though the projection in front of the grids could be done.
+  const Conversion projected = Conversion::Create(
+      System(m_Nad27, Projection(ProjectionMethodTransverseMercator, -99, 0)), Geographic(m_Nad83));
+  Vec2d metres(1000, 2000);
+  EXPECT_THROW(projected.Convert(&metres, 1), shr::Exception);
+  EXPECT_EQ(metres.x, 1000);
+  EXPECT_EQ(metres.y, 2000);
+  projected.Convert(nullptr, 0);  // nothing needs no grids
   ORVSetNadconGridPath(m_Folder.Path().c_str());
   conversion.Convert(&point, 1);  // grids are looked for anew
   EXPECT_NEAR(point.x, -98.25 + 0.01, 1e-9);
@@ -521,6 +529,18 @@ TEST_F(ConversionTest, ARoundTripOfGeographicPointsIsMeasuredInMetres) {
   EXPECT_NEAR(trip.largest, 6371000.0 * 3.141592653589793 / 180.0, 1e-6);
   EXPECT_NEAR(ORVRoundTrip(there, nothing, points, 1).largest,
               2 * 6371000.0 * std::asin(0.5 * std::sin(0.5 * 3.141592653589793 / 180.0)), 1e-6);
+  // In grads the same numbers are nine tenths of that.
+  ProjectionParameters p;
+  p.method = ProjectionMethodEquidistantCylindrical;
+  p.ellipsoid = EllipsoidDef(6378137.0, 0.0, nullptr, nullptr, nullptr, 0);
+  p.Scale = 400.0 / (2 * 3.141592653589793 * 6378137.0);
+  const ORVDef grads = System(test::Wgs84Datum(), ProjectionDef(p));
+  ORVDef shiftedGrads = grads;
+  shiftedGrads.SetWarp(&warp);
+  EXPECT_NEAR(
+      ORVRoundTrip(Conversion::Create(grads, shiftedGrads), Conversion::Create(grads, grads), points + 1, 1)
+          .largest,
+      0.9 * trip.largest, 1e-6);
   warp.SetCoefficients(1, 0, 360, 0, 1, 0);
   shifted.SetWarp(&warp);
   EXPECT_NEAR(ORVRoundTrip(Conversion::Create(wgs84, shifted), nothing, points, 2).largest, 0.0, 1e-6);

@@ -90,6 +90,34 @@ TEST_F(Identify, MeasuresAroundThePlaceWhereTheMapIsCentred) {
   EXPECT_GT(match->distance, 1e-5);
 }
 
+TEST_F(Identify, DatumsOfWhichNothingIsKnownAreToldApart) {
+  // Qatar 1948: known by number and name, not by how it converts.
+  const std::vector<SystemMatch> same = ORVIdentifySystem(System("EPSG:4286"), 0);
+  ASSERT_EQ(same.size(), 1U);
+  EXPECT_EQ(Token(same[0]), "EPSG:4286");
+  EXPECT_EQ(same[0].kind, SystemMatch::Equal);
+
+  ORVDef nameless = System("EPSG:4286");
+  DatumParameters p;
+  p.ellipsoid = *nameless.GetDatum()->GetEllipsoid();
+  DatumDef datum(&p, 0);
+  datum.SetName("unknown");
+  nameless.SetDatum(&datum);
+  for (const SystemMatch& match : ORVIdentifySystem(nameless, 0)) {
+    EXPECT_EQ(match.kind, SystemMatch::Different) << Token(match);
+    ASSERT_FALSE(match.differences.empty());
+    EXPECT_EQ(match.differences.back().what, "Datum");
+    EXPECT_EQ(match.differences.back().asked, "unknown (Unknown)");
+  }
+
+  // UTM zone 33 on an unknown datum is nearest to UTM zone 33 on others.
+  ORVDef utm = System("EPSG:32633");
+  utm.SetDatum(&datum);
+  const std::vector<SystemMatch> nearest = ORVIdentifySystem(utm, 3);
+  ASSERT_EQ(nearest.size(), 3U);
+  for (const SystemMatch& match : nearest) EXPECT_LE(match.distance, 1e-3) << Token(match);
+}
+
 TEST_F(Identify, MeasuresTheNearestMiss) {
   ProjectionParameters p = ParametersOf("EPSG:3857");
   ASSERT_EQ(p.method, ProjectionMethodMercator);

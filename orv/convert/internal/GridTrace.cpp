@@ -24,12 +24,13 @@ GridTrace::GridTrace(const DatumDef& from, const DatumDef& to) {
   while (!m_Steps.empty() && !m_Steps.back().run.UsesGrids()) m_Steps.pop_back();
 }
 
-DatumMethod GridTrace::MissingMethod() const {
+GridTrace::Missing GridTrace::FindMissing() const {
   for (const Step& step : m_Steps) {
-    if (step.run.UsesGrids() && step.run.Prepare())
-      return step.usesNadcon ? DatumMethodNADCON : DatumMethodNTV2;
+    if (!step.run.UsesGrids()) continue;
+    if (const char* const message = step.run.Prepare())
+      return {step.usesNadcon ? DatumMethodNADCON : DatumMethodNTV2, message};
   }
-  return DatumMethodUnknown;
+  return {};
 }
 
 bool GridTrace::FlagOutside(const shr::Vec2d* points, size_t count, unsigned char* flags) const {

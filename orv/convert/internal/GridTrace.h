@@ -20,8 +20,13 @@ class GridTrace {
   /// Whether there is a grid step at all; without one there is nothing to ask.
   bool HasGrids() const { return !m_Steps.empty(); }
 
-  /// The method of the first grid step that cannot run for want of its grids; DatumMethodUnknown when all can.
-  DatumMethod MissingMethod() const;
+  /// A grid step that cannot run for want of its grids.
+  struct Missing {
+    DatumMethod method = DatumMethodUnknown;
+    const char* message = nullptr;  ///< the converter's; null when all steps can run
+  };
+  /// The first such step.  Grids are loaded when they are not yet.
+  Missing FindMissing() const;
 
   /// Sets the flag of each point that a grid step meets outside all grids; flags of others stay.  Points with the
   /// marker are no points.  Grids are loaded when they are not yet; without grids nothing is flagged.

@@ -3,31 +3,9 @@
 #include <cmath>
 
 #include "orv/core/internal/Number.h"
+#include "orv/core/internal/Utf8.h"
 
 namespace orv::internal {
-
-namespace {
-
-/// Bytes of the well-formed UTF-8 sequence at the front [RFC3629]; 0 when there is none.
-size_t SequenceLength(std::string_view text) {
-  const auto byte = [&](size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
-  const auto follows = [&](size_t i, unsigned low = 0x80, unsigned high = 0xBF) {
-    return byte(i) >= low && byte(i) <= high;
-  };
-  const unsigned lead = byte(0);
-  if (lead < 0x80) return 1;
-  if (lead >= 0xC2 && lead <= 0xDF) return follows(1) ? 2 : 0;
-  if (lead >= 0xE0 && lead <= 0xEF) {  // neither longer than needed nor a surrogate
-    return follows(1, lead == 0xE0 ? 0xA0 : 0x80, lead == 0xED ? 0x9F : 0xBF) && follows(2) ? 3 : 0;
-  }
-  if (lead >= 0xF0 && lead <= 0xF4) {  // nor beyond U+10FFFF
-    const bool second = follows(1, lead == 0xF0 ? 0x90 : 0x80, lead == 0xF4 ? 0x8F : 0xBF);
-    return second && follows(2) && follows(3) ? 4 : 0;
-  }
-  return 0;
-}
-
-}  // namespace
 
 void JsonText::Separate() {
   if (m_AfterKey) {
@@ -76,10 +54,10 @@ void JsonText::Quote(std::string_view text) {
   static constexpr char kHex[] = "0123456789abcdef";
   m_Out += '"';
   while (!text.empty()) {
-    const size_t length = SequenceLength(text);
+    const size_t length = Utf8Length(text);
     const auto byte = static_cast<unsigned char>(text[0]);
     if (length == 0) {
-      m_Out += "\xEF\xBF\xBD";  // U+FFFD
+      m_Out += kReplacement;
     } else if (byte == '"' || byte == '\\') {
       m_Out += {'\\', text[0]};
     } else if (byte == '\n') {
