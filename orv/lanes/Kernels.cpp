@@ -29,6 +29,11 @@
 #include "orv/projection/ProjTranAlbers.h"
 #include "orv/projection/ProjTransverseMercator.h"
 #include "orv/projection/ProjVanDerGrinten.h"
+#include "orv/shared/RegistrationWarp.h"
+#include "orv/warp/WarpTranCoeff.h"
+#include "orv/warp/WarpTranHelmert.h"
+#include "orv/warp/WarpTranOffset.h"
+#include "orv/warp/WarpTranOrder3.h"
 
 #define ORV_PASTE_(a, b) a##b
 #define ORV_PASTE(a, b) ORV_PASTE_(a, b)
@@ -43,6 +48,13 @@ ORV_KERNEL inline void RunInverseUtm(const TransverseMercator& engine, double* x
   const TransverseMercator c = engine;
   Each<kNextBlock>(xy, n,
                    [&c](Point p) { return OnPlottable(p, [&c](Point q) { return InverseUtm(c, q); }); });
+}
+
+template <int kMethod>
+ORV_KERNEL void RunRegistration(const RegistrationWarp& warp, double* xy, std::size_t n) {
+  const RegistrationWarp c = warp;
+  Each<kNextBlock>(
+      xy, n, [&c](Point p) { return OnUnmarkedPoints(p, [&c](Point q) { return Forward<kMethod>(c, q); }); });
 }
 
 template <class E>
@@ -98,6 +110,16 @@ const KernelTable ORV_PASTE(kTable_, ORV_ISA) = {
     ORV_ISA::RunShift<Molodensky>,
     ORV_ISA::RunShift<BursaWolf>,
     ORV_ISA::RunShift<Regression>,
+
+    ORV_ISA::RunWarp<WarpOffset>,
+    ORV_ISA::RunWarp<WarpHelmert>,
+    ORV_ISA::RunWarp<WarpOrder3<0>>,
+    ORV_ISA::RunWarp<WarpOrder3<1>>,
+    ORV_ISA::RunWarp<WarpOrder3<2>>,
+    ORV_ISA::RunWarp<WarpOrder3<3>>,
+    ORV_ISA::RunWarp<WarpCoeff>,
+    {ORV_ISA::RunRegistration<0>, ORV_ISA::RunRegistration<1>, ORV_ISA::RunRegistration<2>,
+     ORV_ISA::RunRegistration<3>, ORV_ISA::RunRegistration<4>, ORV_ISA::RunRegistration<5>},
 };
 
 }  // namespace lanes

@@ -14,6 +14,7 @@
 #include "orv/system/CSTransformer.h"
 #include "orv/system/ORVDef.h"
 #include "orv/tables/EllipsoidList.h"
+#include "orv/warp/WarpTransformer.h"
 #include "tests/support/Paths.h"
 
 namespace {
@@ -118,6 +119,22 @@ TEST_F(Allocations, NoDatumConverterAllocates) {
     orv::DatumConverter converter(&datum, &wgs84);
     const auto convert = [&](shr::Vec2d* points, size_t count) { converter.Convert(points, count); };
     EXPECT_EQ(AllocationsOf(convert), 0u) << orv::DatumDef::MethodToName(datum.GetMethod());
+  }
+}
+
+TEST_F(Allocations, NoWarpAllocates) {
+  for (int method = orv::WarpMethodDisplacement; method <= orv::WarpMethodInverseDistanceSquared; ++method) {
+    orv::WarpDef def;
+    def.SetMethod(static_cast<orv::WarpMethod>(method));
+    for (int i = 0; i < 12; ++i) {
+      const double x = i % 4, y = 0.7 * i - i % 3;
+      def.AddSourcePoint(x, y);
+      def.AddDestinationPoint(2 * x + 0.1 * y * y, 3 * y + 0.2 * x * y + i % 5);
+    }
+    if (method == orv::WarpMethodAffineWithCoefficients) def.SetCoefficients(2, 0.5, 100, 0.25, 3, 7);
+    orv::WarpTransformer warp(def);
+    const auto forward = [&](shr::Vec2d* points, size_t count) { warp.TransformForward(points, count); };
+    EXPECT_EQ(AllocationsOf(forward), 0u) << orv::WarpDef::MethodName(def.GetMethod());
   }
 }
 

@@ -2,6 +2,7 @@
 // equations, and points to run them on.  Independent of the engine classes.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
@@ -36,6 +37,11 @@
 #include "orv/projection/ProjTranAlbers.h"
 #include "orv/projection/ProjTransverseMercator.h"
 #include "orv/projection/ProjVanDerGrinten.h"
+#include "orv/shared/RegistrationWarp.h"
+#include "orv/warp/WarpTranCoeff.h"
+#include "orv/warp/WarpTranHelmert.h"
+#include "orv/warp/WarpTranOffset.h"
+#include "orv/warp/WarpTranOrder3.h"
 
 namespace lanetest {
 
@@ -269,6 +275,30 @@ inline constexpr orv::RegressionTerm kLatTerms[] = {{1.25, 0, 0},  {-0.75, 1, 0}
 inline constexpr orv::RegressionTerm kLonTerms[] = {{-2.5, 0, 0}, {1.5, 0, 1},  {0.3, 1, 1}, {-4.2, 0, 9},
                                                     {0.7, 2, 7},  {-0.9, 9, 4}, {0.1, 3, 5}};
 inline orv::Regression MakeRegression(double k) { return {37, -95, k, kLatTerms, 11, kLonTerms, 7}; }
+
+// Made up, like the regression's terms: an image of 4000 by 3000 pixels to metres.
+template <int kOrder>
+orv::WarpOrder3<kOrder> MakeWarpOrder3() {
+  constexpr double kE[] = {447000.25, 0.31, -0.07, 2.5e-6, -1.25e-6, 7e-7, 3e-11, -2e-11, 5e-12, 1e-12};
+  constexpr double kN[] = {5411000.5, -0.06, -0.33, 4e-6, 1.75e-6, -3e-7, 1e-12, 6e-11, -7e-12, 9e-11};
+  orv::WarpOrder3<kOrder> warp;
+  std::copy_n(kE, warp.kTerms, warp.e);
+  std::copy_n(kN, warp.kTerms, warp.n);
+  return warp;
+}
+inline constexpr orv::WarpOffset kWarpOffset = {447000.25, -17.3};
+inline constexpr orv::WarpHelmert kWarpHelmert = {0.31, -0.07, 447000.25, 5411000.5};
+inline constexpr orv::WarpCoeff kWarpCoeff = {0.31, -0.07, 447000.25, -0.06, -0.33, 5411000.5};
+// The first node lies at pixel (40, 30), exactly.
+inline constexpr orv::RegistrationNode kRegistrationNodes[] = {{0, 0, 0.25, -0.5},
+                                                               {1, 0.125, -0.75, 0.3},
+                                                               {0.9, 1, 0.1, -0.2},
+                                                               {0.0625, 0.85, 0.35, 0.6},
+                                                               {0.5, 0.375, 0.05, -0.2}};
+inline orv::RegistrationWarp MakeRegistration() {
+  return {{40, 3900},          {30, 2900},      {447000.25, 1210},  {5411000.5, 930},
+          {0.125, 0.9, -0.07}, {0.75, 0.1, -1}, kRegistrationNodes, 5};
+}
 
 // n points in a box, drawn evenly with a fixed seed.
 inline std::vector<Pt> Box(std::size_t n, double x0, double x1, double y0, double y1) {
