@@ -38,6 +38,8 @@ struct VanDerGrinten;
 struct Molodensky;
 struct BursaWolf;
 struct Regression;
+struct NadconSet;
+struct NTv2Set;
 struct WarpOffset;
 struct WarpHelmert;
 template <int kOrder>
@@ -63,6 +65,11 @@ struct EngineKernels {
 /// One datum method, degrees to degrees.  Markers as in EngineKernels.
 template <class D>
 using DatumKernel = void (*)(const D&, double* xy, std::size_t n);
+
+/// A set of grids of shifts, both ways.  A point with the marker in either coordinate, and one that cannot be shifted,
+/// passes untouched.  A shift that is NaN or infinite stays.
+template <class G>
+using GridKernels = EngineKernels<G>;
 
 /// One warp, source plane to destination plane.
 ///
@@ -141,6 +148,8 @@ struct KernelTable {
   DatumKernel<Molodensky> molodensky;
   DatumKernel<BursaWolf> bursaWolf;
   DatumKernel<Regression> regression;
+  GridKernels<NadconSet> nadcon;  ///< degrees
+  GridKernels<NTv2Set> ntv2;      ///< radians
 
   // ---- warps ---------------------------------------------------------------------------------------------
 

@@ -2,6 +2,8 @@
 // the set: see CMakeLists.txt.  No inline function of a standard header may be used here (Lanes.h says why).
 #include "orv/datum/BursaWolf.h"
 #include "orv/datum/Molodensky.h"
+#include "orv/datum/NTv2Shift.h"
+#include "orv/datum/NadconShift.h"
 #include "orv/datum/Regression.h"
 #include "orv/lanes/Dispatch.h"
 #include "orv/lanes/Frame.h"
@@ -57,6 +59,37 @@ ORV_KERNEL void RunRegistration(const RegistrationWarp& warp, double* xy, std::s
       xy, n, [&c](Point p) { return OnUnmarkedPoints(p, [&c](Point q) { return Forward<kMethod>(c, q); }); });
 }
 
+ORV_KERNEL inline void RunForwardNadcon(const NadconSet& set, double* xy, std::size_t n) {
+  const NadconSet c = set;
+  Each(xy, n, [&c](Point p) { return Forward(c, p); });
+}
+ORV_KERNEL inline void RunInverseNadcon(const NadconSet& set, double* xy, std::size_t n) {
+  const NadconSet c = set;
+  Each(xy, n, [&c](Point p) { return Inverse(c, p); });
+}
+
+ORV_KERNEL inline void RunForwardNTv2(const NTv2Set& set, double* xy, std::size_t n) {
+  const NTv2Cells* last = nullptr;
+  Each(xy, n, [&](Point p) {
+    Point out = p;
+    EachGrid(set, p, last, [&](const NTv2Cells& g, Mask lanes) {
+      const Point there = Forward(g, OnLanes(p, lanes, g.west, g.south), lanes);
+      out = {lanes ? there.x : out.x, lanes ? there.y : out.y};
+    });
+    return out;
+  });
+}
+ORV_KERNEL inline void RunInverseNTv2(const NTv2Set& set, double* xy, std::size_t n) {
+  const NTv2Cells* last = nullptr;
+  NTv2Searches searches;
+  EachGroup(xy, n, [&](double* points, std::size_t first) {
+    Point p;
+    Load(points, p.x, p.y);
+    EachGrid(set, p, last, [&](const NTv2Cells& g, Mask lanes) { searches.Add(g, points, p, lanes); });
+    if (n - first <= kLanes) searches.Finish();  // the last group
+  });
+}
+
 template <class E>
 inline constexpr lanes::EngineKernels<E> kEngine = {RunForward<E>, RunInverse<E>};
 
@@ -110,6 +143,8 @@ const KernelTable ORV_PASTE(kTable_, ORV_ISA) = {
     ORV_ISA::RunShift<Molodensky>,
     ORV_ISA::RunShift<BursaWolf>,
     ORV_ISA::RunShift<Regression>,
+    {ORV_ISA::RunForwardNadcon, ORV_ISA::RunInverseNadcon},
+    {ORV_ISA::RunForwardNTv2, ORV_ISA::RunInverseNTv2},
 
     ORV_ISA::RunWarp<WarpOffset>,
     ORV_ISA::RunWarp<WarpHelmert>,

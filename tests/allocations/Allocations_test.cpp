@@ -10,12 +10,16 @@
 #include "orv/core/Startup.h"
 #include "orv/datum/DatumConverter.h"
 #include "orv/datum/DatumList.h"
+#include "orv/datum/DatumMethods.h"
+#include "orv/datum/GridFiles.h"
 #include "orv/projection/Projector.h"
 #include "orv/system/CSTransformer.h"
 #include "orv/system/ORVDef.h"
 #include "orv/tables/EllipsoidList.h"
 #include "orv/warp/WarpTransformer.h"
+#include "tests/support/GridBytes.h"
 #include "tests/support/Paths.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 
@@ -120,6 +124,38 @@ TEST_F(Allocations, NoDatumConverterAllocates) {
     const auto convert = [&](shr::Vec2d* points, size_t count) { converter.Convert(points, count); };
     EXPECT_EQ(AllocationsOf(convert), 0u) << orv::DatumDef::MethodToName(datum.GetMethod());
   }
+}
+
+TEST_F(Allocations, NoGridAllocates) {
+  const orv::test::TempFolder folder;
+  const auto seconds = [](int col, int row) {
+    return static_cast<float>(col * 7 % 5) + 0.25F * static_cast<float>(row);
+  };
+  const orv::test::NadconLayout layout = {30, 30, 5.0F, 0.25F, 45.0F, 0.25F};
+  folder.Write("made.los", orv::test::NadconFile(layout, seconds));
+  folder.Write("made.las", orv::test::NadconFile(layout, seconds));
+  folder.Write(
+      "made.gsb",
+      orv::test::NTv2File({orv::test::NTv2Box("MADE", "NONE", 5, 45, 0.25, 30, 30, [&](int col, int row) {
+        return orv::test::NTv2Shift{seconds(col, row), seconds(row, col)};
+      })}));
+  orv::ORVSetNadconGridPath(folder.Path().c_str());
+  orv::ORVSetNTv2GridFile(folder.Path("made.gsb").c_str());
+  for (const orv::DatumMethod method : {orv::DatumMethodNADCON, orv::DatumMethodNTV2}) {
+    for (const bool inverse : {false, true}) {
+      orv::DatumParameters p;
+      p.method = method;
+      p.inverse = inverse;
+      const orv::internal::DatumStep step(p, orv::EllipsoidDef(), orv::internal::Grids());
+      shr::Vec2d moved(10, 50);
+      ASSERT_EQ(step.Run(&moved, 1), nullptr);
+      EXPECT_NE(moved.x, 10) << method;  // the grid is there
+      const auto run = [&](shr::Vec2d* points, size_t count) { step.Run(points, count); };
+      EXPECT_EQ(AllocationsOf(run), 0u) << method << (inverse ? " inverse" : " forward");
+    }
+  }
+  orv::ORVSetNadconGridPath(nullptr);
+  orv::ORVSetNTv2GridFile(nullptr);
 }
 
 TEST_F(Allocations, NoWarpAllocates) {

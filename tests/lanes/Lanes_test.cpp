@@ -192,6 +192,8 @@ std::vector<Work> AllWork(std::size_t n = 1500) {
                      k.registration[method](MakeRegistration(), xy, m);
                    }});
   }
+  AddEngine(all, "nadcon", kGridTables.Nadcon(), &KernelTable::nadcon, Box(n, -12, 12, 38, 56));
+  AddEngine(all, "ntv2", kGridTables.NTv2(), &KernelTable::ntv2, Box(n, -0.3, 0.3, 0.45, 0.9));
   return all;
 }
 
