@@ -116,27 +116,21 @@ void DatumConverter::Convert(shr::Vec2d* points, size_t count) {
   // Whatever can fail fails here, before a point is touched.
   size_t steps = 0;  // that run
   const char* failure = nullptr;
-  bool bGrids = false;
   for (; steps < m_Route.size(); ++steps) {
     const internal::DatumStep& step = *m_Route[steps].ready;
     failure = step.Prepare();
-    bGrids = bGrids || step.UsesGrids();
     if (failure) break;
   }
 
   // All stages block by block, while a block is in the cache.  A step that fails leaves the points as far as the
   // steps in front of it take them.
   double offsets[lanes::kBlockPoints];
-  // Grids take point by point, so padding to whole groups would only add points.
-  const auto fit = [bGrids](size_t n) -> const lanes::KernelTable& {
-    return lanes::KernelsFor(bGrids ? 1 : n);
-  };
   const auto convert = [&](const lanes::KernelTable& kernels, double* block, size_t n) {
     if (Enter(kernels, block, n, offsets)) m_bHadUnplottables = true;
     for (size_t step = 0; step < steps; ++step) m_Route[step].ready->Run(block, n);
     if (!failure && Leave(kernels, block, n, offsets)) m_bHadUnplottables = true;
   };
-  lanes::ForEachBlock(count > 0 ? &points->x : nullptr, count, lanes::Kernels(), fit, convert);
+  lanes::ForEachBlock(count > 0 ? &points->x : nullptr, count, convert);
   if (failure) ORV_FAIL(ErrDatumMethod, "%s", failure);
 }
 

@@ -1,15 +1,14 @@
 #include "orv/datum/NTv2Grid.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <unordered_map>
 #include <utility>
 
 #include "orv/core/ORVGlobals.h"
-#include "orv/core/internal/Angle.h"
 #include "orv/core/internal/ByteReader.h"
 #include "orv/core/internal/Marker.h"
+#include "orv/lanes/Dispatch.h"
 
 namespace orv::internal {
 
@@ -20,9 +19,7 @@ constexpr size_t kHeaderSize = 11 * kRecordSize;
 constexpr int kHeaderRecords = 11;
 
 constexpr double kArcSecond = 4.84813681109536e-6;  // radians, as written
-constexpr int kMostRounds = 11;
-constexpr double kSettled = 1e-12;    // radians, absolute
-constexpr double kOnTheEdge = 1e-12;  // radians: rounding of an offset, not a margin (6 micrometres)
+constexpr double kOnTheEdge = one::kNTv2Edge;
 constexpr double kEnclosed = 1.0e-3;  // of the outer grid's spacing
 
 /// The value of a record behind its keyword.
@@ -31,21 +28,6 @@ ByteReader ValueOf(const unsigned char* header, size_t record) {
 }
 
 std::string ToFirstNul(const std::string& text) { return text.substr(0, text.find('\0')); }
-
-/// Into 0 to 2 pi: pi is taken off, the rest brought into -pi to pi, and pi put back.
-inline double WrappedOffset(double radians) {
-  double centred = radians - kPi;
-  const double back = centred + kPi;
-  if (back >= 0.0 && back < 6.28) return back;  // no turn to take off: the same bits, without a call
-  centred -= 2.0 * kPi * std::floor(back / (2.0 * kPi));
-  return centred + kPi;
-}
-
-/// Into 0 to `most`; a NaN, which the smallest spacings make, gives 0.
-inline double Within(double value, int most) {
-  const double notBelow = value > 0.0 ? value : 0.0;
-  return notBelow < most ? notBelow : most;
-}
 
 /// Nodes along an extent, or 0 for more than an int counts.  Both arguments finite, the increment above 0.
 int NodesAlong(double extent, double increment) {
@@ -134,53 +116,38 @@ bool NTv2SubGrid::Encloses(const NTv2SubGrid& other) const {
          other.m_South >= m_South - latMargin && other.m_North <= m_North + latMargin;
 }
 
-bool NTv2SubGrid::ShiftAt(const shr::Vec2d& point, shr::Vec2d& shift) const {
-  const double lon = WrappedOffset(point.x - m_West);
-  const double lat = point.y - m_South;
-  if (!(lon <= m_MostLon && lat >= -kOnTheEdge && lat <= m_MostLat)) return false;
-  const double u = Within(lon * m_PerLon, m_Columns - 1);
-  const double v = Within(lat * m_PerLat, m_Rows - 1);
-  // A point on the east or north edge belongs to the last cell.
-  const int col = std::min(static_cast<int>(u), m_Columns - 2);
-  const int row = std::min(static_cast<int>(v), m_Rows - 2);
-  const double s = u - col;
-  const double t = v - row;
-  const Node* const south = &NodeAt(col, row);
-  const Node* const north = south + m_Columns;
-  const double southWest = (1.0 - s) * (1.0 - t);
-  const double southEast = s * (1.0 - t);
-  const double northWest = (1.0 - s) * t;
-  const double northEast = s * t;
-  shift.x = southWest * south[0].lon + southEast * south[1].lon + northWest * north[0].lon +
-            northEast * north[1].lon;
-  shift.y = southWest * south[0].lat + southEast * south[1].lat + northWest * north[0].lat +
-            northEast * north[1].lat;
-  return std::isfinite(shift.x + shift.y);  // shifts are float32 seconds: no sum of finite ones overflows
+NTv2Cells NTv2SubGrid::Cells() const {
+  NTv2Cells c = {};
+  c.west = m_West;
+  c.south = m_South;
+  c.east = m_East;
+  c.north = m_North;
+  c.perLon = m_PerLon;
+  c.perLat = m_PerLat;
+  c.mostLon = m_MostLon;
+  c.mostLat = m_MostLat;
+  c.columns = m_Columns;
+  c.rows = m_Rows;
+  c.nodes = &m_Nodes.front().lon;
+  return c;
 }
 
-bool NTv2SubGrid::BeginInverse(const shr::Vec2d& point, shr::Vec2d& guess) const {
-  shr::Vec2d shift;
-  if (!ShiftAt(point, shift)) return false;
-  guess = {point.x - shift.x, point.y - shift.y};
-  return true;
-}
-
-NTv2SubGrid::Round NTv2SubGrid::RefineInverse(const shr::Vec2d& point, shr::Vec2d& guess) const {
-  shr::Vec2d shift;
-  if (!ShiftAt(guess, shift)) return Round::NoShift;
-  const shr::Vec2d residual(guess.x + shift.x - point.x, guess.y + shift.y - point.y);
-  guess = {guess.x - residual.x, guess.y - residual.y};
-  const bool bBothLarge = std::fabs(residual.x) > kSettled && std::fabs(residual.y) > kSettled;
-  return bBothLarge ? Round::GoesOn : Round::Settled;
+bool NTv2SubGrid::Forward(shr::Vec2d& point) const {
+  bool bFound = true;
+  const one::Point shifted = one::Forward(Cells(), one::Point{point.x, point.y}, bFound);
+  point = {shifted.x, shifted.y};
+  return bFound;
 }
 
 bool NTv2SubGrid::Inverse(shr::Vec2d& point) const {
-  shr::Vec2d guess;
-  if (!BeginInverse(point, guess)) return false;
-  Round round = Round::GoesOn;
-  for (int i = 0; i < kMostRounds && round == Round::GoesOn; ++i) round = RefineInverse(point, guess);
-  if (round == Round::Settled) point = guess;
-  return round == Round::Settled;
+  const NTv2Cells cells = Cells();
+  const one::Point p = {point.x, point.y};
+  bool bSettled = false;
+  one::NTv2Search search = {&cells, nullptr, true, p, p};
+  one::Begin(search);
+  for (int round = 0; round < one::kNTv2Rounds && search.active; ++round) bSettled = one::Refine(search);
+  if (bSettled) point = {search.guess.x, search.guess.y};
+  return bSettled;
 }
 
 // ---- the tree --------------------------------------------------------------------------------------------
@@ -251,6 +218,7 @@ NTv2Status NTv2Grid::Attach() {
   }
   if (reached.size() != count) return NTv2BadHeader;
   FindCertain();
+  MakeCells();
   return NTv2Done;
 }
 
@@ -282,73 +250,33 @@ void NTv2Grid::FindCertain() {
   }
 }
 
-const NTv2SubGrid* NTv2Grid::GridFor(const shr::Vec2d& point) const {
-  const NTv2SubGrid* chosen = nullptr;
-  const std::vector<size_t>* candidates = &m_TopLevel;
-  while (candidates) {
-    const std::vector<size_t>* next = nullptr;
-    for (const size_t i : *candidates) {
-      if (!m_SubGrids[i].Contains(point)) continue;
-      chosen = &m_SubGrids[i];
-      next = &m_Children[i];
-      break;
-    }
-    candidates = next;
+void NTv2Grid::MakeCells() {
+  m_Lists = m_TopLevel;
+  for (size_t i = 0; i < m_SubGrids.size(); ++i) {
+    NTv2Cells cells = m_SubGrids[i].Cells();
+    cells.child = m_Lists.size();
+    cells.childCount = m_Children[i].size();
+    cells.certain = m_Certain[i] != 0;
+    m_Cells.push_back(cells);
+    m_Lists.insert(m_Lists.end(), m_Children[i].begin(), m_Children[i].end());
   }
-  return chosen;
 }
 
-NTv2Status NTv2Grid::Shift(const NTv2SubGrid* grid, shr::Vec2d& point, bool inverse) {
+const NTv2SubGrid* NTv2Grid::GridFor(const shr::Vec2d& point) const {
+  const long long chosen = one::GridOf(Set(), point.x, point.y);
+  return chosen < 0 ? nullptr : &m_SubGrids[static_cast<size_t>(chosen)];
+}
+
+NTv2Status NTv2Grid::Shift(shr::Vec2d& point, bool inverse) const {
+  const NTv2SubGrid* const grid = GridFor(point);
   if (!grid || point.y == kMarker) return NTv2Done;
   return (inverse ? grid->Inverse(point) : grid->Forward(point)) ? NTv2Done : NTv2NoShift;
 }
 
-NTv2Status NTv2Grid::Shift(shr::Vec2d& point, bool inverse) const {
-  return Shift(GridFor(point), point, inverse);
-}
-
 void NTv2Grid::Transform(shr::Vec2d* points, size_t count, bool inverse) const {
-  const NTv2SubGrid* last = nullptr;  // a certain grid, which spares the walk to the points near it
-  const auto gridOf = [&](const shr::Vec2d& point) {
-    if (last && last->Contains(point)) return last;
-    const NTv2SubGrid* const grid = GridFor(point);
-    last = grid && m_Certain[static_cast<size_t>(grid - m_SubGrids.data())] ? grid : nullptr;
-    return grid;
-  };
-  if (!inverse) {
-    for (size_t i = 0; i < count; ++i) {
-      if (IsMarked(points[i])) continue;
-      if (const NTv2SubGrid* const grid = gridOf(points[i])) grid->Forward(points[i]);
-    }
-    return;
-  }
-  // A round waits for the one before it, so the rounds of many points are taken side by side.
-  struct Search {
-    const NTv2SubGrid* grid;
-    shr::Vec2d* point;
-    shr::Vec2d guess;
-  };
-  std::array<Search, 16> searches;
-  for (size_t i = 0; i < count;) {
-    size_t active = 0;
-    for (; i < count && active < searches.size(); ++i) {
-      if (IsMarked(points[i])) continue;
-      Search& search = searches[active];
-      search.grid = gridOf(points[i]);
-      search.point = &points[i];
-      if (search.grid && search.grid->BeginInverse(points[i], search.guess)) ++active;
-    }
-    for (int round = 0; round < kMostRounds && active > 0; ++round) {
-      size_t left = 0;
-      for (size_t k = 0; k < active; ++k) {
-        Search& search = searches[k];
-        const NTv2SubGrid::Round result = search.grid->RefineInverse(*search.point, search.guess);
-        if (result == NTv2SubGrid::Round::Settled) *search.point = search.guess;
-        if (result == NTv2SubGrid::Round::GoesOn) searches[left++] = search;
-      }
-      active = left;
-    }
-  }
+  if (count == 0) return;
+  const lanes::GridKernels<NTv2Set>& kernels = lanes::KernelsFor(count).ntv2;
+  (inverse ? kernels.inverse : kernels.forward)(Set(), &points->x, count);
 }
 
 }  // namespace orv::internal

@@ -13,6 +13,7 @@
 
 #include "orv/datum/GenericReader.h"
 #include "orv/datum/GridShift.h"
+#include "orv/datum/NTv2Shift.h"
 #include "orv/shared/Vec2d.h"
 
 namespace orv::internal {
@@ -58,26 +59,17 @@ class NTv2SubGrid {
 
   /// Adds the shift, bilinear within the cell.  False, and the point stays, when the grid has none for it.  The
   /// longitude is taken relative to the western edge and wrapped.
-  bool Forward(shr::Vec2d& point) const {
-    shr::Vec2d shift;
-    if (!ShiftAt(point, shift)) return false;
-    point = {point.x + shift.x, point.y + shift.y};
-    return true;
-  }
+  bool Forward(shr::Vec2d& point) const;
   /// The point that Forward takes to this one.  False, and the point stays, when 11 rounds do not settle it or a
   /// guess leaves the grid.
   ///
   /// Deliberate: a round is the last as soon as ONE of its residuals is 1e-12 or less.
   bool Inverse(shr::Vec2d& point) const;
 
-  /// The rounds of Inverse one by one: the first guess, and what is better.  False and NoShift: the grid has no shift
-  /// there.  A settled guess is the result.
-  enum class Round { Settled, GoesOn, NoShift };
-  bool BeginInverse(const shr::Vec2d& point, shr::Vec2d& guess) const;
-  Round RefineInverse(const shr::Vec2d& point, shr::Vec2d& guess) const;
+  /// What the kernels see of the grid; valid while it stands where it stands.  Without children, and not certain.
+  NTv2Cells Cells() const;
 
  private:
-  bool ShiftAt(const shr::Vec2d& point, shr::Vec2d& shift) const;
   NTv2Status ReadHeader(GenericReader& file);
   NTv2Status ReadNodes(GenericReader& file);
 
@@ -100,6 +92,10 @@ class NTv2SubGrid {
 
 class NTv2Grid {
  public:
+  NTv2Grid() = default;
+  NTv2Grid(NTv2Grid&&) = default;  // what the cells point at moves along
+  NTv2Grid& operator=(NTv2Grid&&) = default;
+
   /// Loads the file that the configuration search finds under a name.
   ///
   /// NTv2Done; NTv2NoName for an empty name; NTv2NotPresent when none is found or it does not open;
@@ -124,17 +120,21 @@ class NTv2Grid {
   /// can be computed stays.
   void Transform(shr::Vec2d* points, size_t count, bool inverse) const;
 
+  /// What the kernels see of the tree; valid while it stands where it stands and is not read anew.
+  NTv2Set Set() const { return {m_Cells.data(), m_Lists.data(), 0, m_TopLevel.size()}; }
+
  private:
   NTv2Status ReadGrids(GenericReader& file);
   NTv2Status Attach();
   void FindCertain();
-  static NTv2Status Shift(const NTv2SubGrid* grid, shr::Vec2d& point, bool inverse);
+  void MakeCells();
 
   std::vector<NTv2SubGrid> m_SubGrids;
   std::vector<std::vector<size_t>> m_Children;  // of each grid, in the order of the file
   std::vector<size_t> m_TopLevel;
-  std::vector<char>
-      m_Certain;  // of each grid: true when containing a point is enough to be the one that shifts it
+  std::vector<char> m_Certain;  // of each grid: NTv2Cells::certain
+  std::vector<NTv2Cells> m_Cells;
+  std::vector<size_t> m_Lists;  // m_TopLevel, then m_Children in turn
 };
 
 }  // namespace orv::internal

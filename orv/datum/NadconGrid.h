@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "orv/datum/GenericReader.h"
+#include "orv/datum/NadconShift.h"
 #include "orv/shared/Vec2d.h"
 
 namespace orv::internal {
@@ -27,7 +28,7 @@ struct NadconFileInfo {
   bool operator==(const NadconFileInfo&) const = default;
 };
 
-/// Columns and rows are counted from 1, as the files count their nodes.
+/// Columns and rows are counted from 1, as the files count their nodes.  No point may be asked for before a pair is read.
 class NadconGrid {
  public:
   /// Reads a header and checks it: columns and rows above 0, finite origin, finite spacing above 0, and a file
@@ -49,15 +50,17 @@ class NadconGrid {
   double Dy() const { return m_Dy; }
   /// Shifts of a node, arc-seconds, positive east and north; columns 0 to Columns(), rows 0 to Rows().
   /// Column 0 and row 0 are no nodes of the file: their shifts are 0.
-  double LonShift(int col, int row) const { return m_LonShifts[Index(col, row)]; }
-  double LatShift(int col, int row) const { return m_LatShifts[Index(col, row)]; }
+  double LonShift(int col, int row) const { return m_Shifts[Index(col, row)].lon; }
+  double LatShift(int col, int row) const { return m_Shifts[Index(col, row)].lat; }
 
   /// True when the point, in degrees, has a node.
   ///
   /// Its column is trunc((x - xMin) / dx + 1), its row likewise; both must be from 0 to one less than the
   /// count.  Deliberate: up to two spacings west and south of the first node are inside with shift 0, the last
   /// column and row are outside.
-  bool Contains(const shr::Vec2d& point) const;
+  bool Contains(const shr::Vec2d& point) const {
+    return point.x >= m_West && point.x <= m_East && point.y >= m_South && point.y <= m_North;
+  }
 
   /// Adds the shift of the point's node.  A point outside stays.
   ///
@@ -67,11 +70,19 @@ class NadconGrid {
   /// degree settle a coordinate; after 100 rounds the last guess stands.
   void Inverse(shr::Vec2d& point) const;
 
+  /// What the kernels see of the grid; valid while it stands where it stands.
+  NadconCells Cells() const;
+
  private:
+  struct Node {
+    double lon;
+    double lat;
+  };
+
   size_t Index(int col, int row) const {
     return static_cast<size_t>(row) * (static_cast<size_t>(m_Columns) + 1) + static_cast<size_t>(col);
   }
-  bool NodeOf(const shr::Vec2d& point, int& col, int& row) const;
+  void FindEdges();
 
   std::string m_Name;
   int m_Columns = 0;
@@ -80,8 +91,11 @@ class NadconGrid {
   double m_YMin = 0.0;
   double m_Dx = 0.0;
   double m_Dy = 0.0;
-  std::vector<double> m_LonShifts;
-  std::vector<double> m_LatShifts;
+  double m_West = 0.0;  // the least and largest coordinates that have a node
+  double m_East = 0.0;
+  double m_South = 0.0;
+  double m_North = 0.0;
+  std::vector<Node> m_Shifts;
 };
 
 }  // namespace orv::internal

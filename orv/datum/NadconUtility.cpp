@@ -5,10 +5,10 @@
 #include <utility>
 
 #include "orv/core/Platform.h"
-#include "orv/core/internal/Marker.h"
 #include "orv/core/internal/Text.h"
 #include "orv/core/internal/Trace.h"
 #include "orv/datum/ZipReader.h"
+#include "orv/lanes/Dispatch.h"
 
 namespace orv::internal {
 
@@ -97,6 +97,8 @@ bool NadconUtility::Append(GenericReader& los, GenericReader& las, const std::st
   if (!grid.Initialize(los, las)) return false;
   grid.SetName(losName.substr(0, losName.size() - kExtension));
   m_Grids.push_back(std::move(grid));
+  m_Cells.clear();
+  for (const NadconGrid& loaded : m_Grids) m_Cells.push_back(loaded.Cells());
   return true;
 }
 
@@ -110,16 +112,10 @@ const NadconGrid* NadconUtility::GridFor(const shr::Vec2d& point) const {
 }
 
 void NadconUtility::Transform(shr::Vec2d* points, size_t count, bool inverse) const {
-  for (size_t i = 0; i < count; ++i) {
-    if (IsMarked(points[i])) continue;
-    const NadconGrid* const grid = GridFor(points[i]);
-    if (!grid) continue;
-    if (inverse) {
-      grid->Inverse(points[i]);
-    } else {
-      grid->Forward(points[i]);
-    }
-  }
+  if (count == 0) return;
+  const NadconSet set = {m_Cells.data(), m_Cells.size()};
+  const lanes::GridKernels<NadconSet>& kernels = lanes::KernelsFor(count).nadcon;
+  (inverse ? kernels.inverse : kernels.forward)(set, &points->x, count);
 }
 
 }  // namespace orv::internal

@@ -12,6 +12,10 @@ namespace orv::internal {
 
 class NadconUtility {
  public:
+  NadconUtility() = default;
+  NadconUtility(const NadconUtility&) = delete;
+  NadconUtility& operator=(const NadconUtility&) = delete;
+
   /// Loads the grids of a folder; true when at least one is loaded.  Does nothing once one is.
   ///
   /// "NADGRIDS.ZIP" comes first.  When it gives no grid, each "*.LOS" of the folder is read with the ".las" of
@@ -36,6 +40,7 @@ class NadconUtility {
   bool Append(GenericReader& los, GenericReader& las, const std::string& losName);
 
   std::vector<NadconGrid> m_Grids;
+  std::vector<NadconCells> m_Cells;  // of m_Grids
 };
 
 }  // namespace orv::internal

@@ -38,6 +38,14 @@ struct VanDerGrinten;
 struct Molodensky;
 struct BursaWolf;
 struct Regression;
+struct NadconSet;
+struct NTv2Set;
+struct WarpOffset;
+struct WarpHelmert;
+template <int kOrder>
+struct WarpOrder3;
+struct WarpCoeff;
+struct RegistrationWarp;
 
 namespace lanes {
 
@@ -57,6 +65,18 @@ struct EngineKernels {
 /// One datum method, degrees to degrees.  Markers as in EngineKernels.
 template <class D>
 using DatumKernel = void (*)(const D&, double* xy, std::size_t n);
+
+/// A set of grids of shifts, both ways.  A point with the marker in either coordinate, and one that cannot be shifted,
+/// passes untouched.  A shift that is NaN or infinite stays.
+template <class G>
+using GridKernels = EngineKernels<G>;
+
+/// One warp, source plane to destination plane.
+///
+/// A point with the marker in either coordinate passes untouched.  Any other result stays as it is, NaN and infinity
+/// included: warps mark nothing.
+template <class W>
+using WarpKernel = void (*)(const W&, double* xy, std::size_t n);
 
 /// All kernels of one instruction set.
 struct KernelTable {
@@ -128,6 +148,19 @@ struct KernelTable {
   DatumKernel<Molodensky> molodensky;
   DatumKernel<BursaWolf> bursaWolf;
   DatumKernel<Regression> regression;
+  GridKernels<NadconSet> nadcon;  ///< degrees
+  GridKernels<NTv2Set> ntv2;      ///< radians
+
+  // ---- warps ---------------------------------------------------------------------------------------------
+
+  WarpKernel<WarpOffset> warpOffset;
+  WarpKernel<WarpHelmert> warpHelmert;
+  WarpKernel<WarpOrder3<0>> warpOrder0;
+  WarpKernel<WarpOrder3<1>> warpOrder1;
+  WarpKernel<WarpOrder3<2>> warpOrder2;
+  WarpKernel<WarpOrder3<3>> warpOrder3;
+  WarpKernel<WarpCoeff> warpCoeff;
+  WarpKernel<RegistrationWarp> registration[6];  ///< by shr::WarpingMethod
 };
 
 /// The best set that this machine can run, chosen once.

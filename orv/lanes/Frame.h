@@ -82,6 +82,15 @@ inline Point OnPlottable(Point p, F compute) {
   return {skip ? p.x : x, skip ? p.y : y};
 }
 
+/// A computation on points without a marker.  A point with the marker in either coordinate stays as it is; a result
+/// that is NaN or infinite stays, too.
+template <class F>
+inline Point OnUnmarkedPoints(Point p, F compute) {
+  const Mask skip = Marked(p);
+  const Point q = compute(Point{Except(p.x, skip, 0.0), Except(p.y, skip, 0.0)});
+  return {Except(q.x, skip, p.x), Except(q.y, skip, p.y)};
+}
+
 /// f of each coordinate that is not the marker.
 template <class F>
 inline Point OnUnmarked(Point p, F f) {
@@ -240,6 +249,12 @@ template <class D>
 ORV_KERNEL void RunShift(const D& method, double* xy, std::size_t n) {
   const D c = method;
   Each<kNextBlock>(xy, n, [&c](Point p) { return OnPlottable(p, [&c](Point q) { return Shift(c, q); }); });
+}
+template <class W>
+ORV_KERNEL void RunWarp(const W& warp, double* xy, std::size_t n) {
+  const W c = warp;
+  Each<kNextBlock>(xy, n,
+                   [&c](Point p) { return OnUnmarkedPoints(p, [&c](Point q) { return Forward(c, q); }); });
 }
 
 }  // namespace ORV_ISA

@@ -2,6 +2,8 @@
 // the set: see CMakeLists.txt.  No inline function of a standard header may be used here (Lanes.h says why).
 #include "orv/datum/BursaWolf.h"
 #include "orv/datum/Molodensky.h"
+#include "orv/datum/NTv2Shift.h"
+#include "orv/datum/NadconShift.h"
 #include "orv/datum/Regression.h"
 #include "orv/lanes/Dispatch.h"
 #include "orv/lanes/Frame.h"
@@ -29,6 +31,11 @@
 #include "orv/projection/ProjTranAlbers.h"
 #include "orv/projection/ProjTransverseMercator.h"
 #include "orv/projection/ProjVanDerGrinten.h"
+#include "orv/shared/RegistrationWarp.h"
+#include "orv/warp/WarpTranCoeff.h"
+#include "orv/warp/WarpTranHelmert.h"
+#include "orv/warp/WarpTranOffset.h"
+#include "orv/warp/WarpTranOrder3.h"
 
 #define ORV_PASTE_(a, b) a##b
 #define ORV_PASTE(a, b) ORV_PASTE_(a, b)
@@ -43,6 +50,44 @@ ORV_KERNEL inline void RunInverseUtm(const TransverseMercator& engine, double* x
   const TransverseMercator c = engine;
   Each<kNextBlock>(xy, n,
                    [&c](Point p) { return OnPlottable(p, [&c](Point q) { return InverseUtm(c, q); }); });
+}
+
+template <int kMethod>
+ORV_KERNEL void RunRegistration(const RegistrationWarp& warp, double* xy, std::size_t n) {
+  const RegistrationWarp c = warp;
+  Each<kNextBlock>(
+      xy, n, [&c](Point p) { return OnUnmarkedPoints(p, [&c](Point q) { return Forward<kMethod>(c, q); }); });
+}
+
+ORV_KERNEL inline void RunForwardNadcon(const NadconSet& set, double* xy, std::size_t n) {
+  const NadconSet c = set;
+  Each(xy, n, [&c](Point p) { return Forward(c, p); });
+}
+ORV_KERNEL inline void RunInverseNadcon(const NadconSet& set, double* xy, std::size_t n) {
+  const NadconSet c = set;
+  Each(xy, n, [&c](Point p) { return Inverse(c, p); });
+}
+
+ORV_KERNEL inline void RunForwardNTv2(const NTv2Set& set, double* xy, std::size_t n) {
+  const NTv2Cells* last = nullptr;
+  Each(xy, n, [&](Point p) {
+    Point out = p;
+    EachGrid(set, p, last, [&](const NTv2Cells& g, Mask lanes) {
+      const Point there = Forward(g, OnLanes(p, lanes, g.west, g.south), lanes);
+      out = {lanes ? there.x : out.x, lanes ? there.y : out.y};
+    });
+    return out;
+  });
+}
+ORV_KERNEL inline void RunInverseNTv2(const NTv2Set& set, double* xy, std::size_t n) {
+  const NTv2Cells* last = nullptr;
+  NTv2Searches searches;
+  EachGroup(xy, n, [&](double* points, std::size_t first) {
+    Point p;
+    Load(points, p.x, p.y);
+    EachGrid(set, p, last, [&](const NTv2Cells& g, Mask lanes) { searches.Add(g, points, p, lanes); });
+    if (n - first <= kLanes) searches.Finish();  // the last group
+  });
 }
 
 template <class E>
@@ -98,6 +143,18 @@ const KernelTable ORV_PASTE(kTable_, ORV_ISA) = {
     ORV_ISA::RunShift<Molodensky>,
     ORV_ISA::RunShift<BursaWolf>,
     ORV_ISA::RunShift<Regression>,
+    {ORV_ISA::RunForwardNadcon, ORV_ISA::RunInverseNadcon},
+    {ORV_ISA::RunForwardNTv2, ORV_ISA::RunInverseNTv2},
+
+    ORV_ISA::RunWarp<WarpOffset>,
+    ORV_ISA::RunWarp<WarpHelmert>,
+    ORV_ISA::RunWarp<WarpOrder3<0>>,
+    ORV_ISA::RunWarp<WarpOrder3<1>>,
+    ORV_ISA::RunWarp<WarpOrder3<2>>,
+    ORV_ISA::RunWarp<WarpOrder3<3>>,
+    ORV_ISA::RunWarp<WarpCoeff>,
+    {ORV_ISA::RunRegistration<0>, ORV_ISA::RunRegistration<1>, ORV_ISA::RunRegistration<2>,
+     ORV_ISA::RunRegistration<3>, ORV_ISA::RunRegistration<4>, ORV_ISA::RunRegistration<5>},
 };
 
 }  // namespace lanes

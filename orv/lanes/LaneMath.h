@@ -49,6 +49,17 @@ inline Lanes Round(Lanes x, Ints& n) {
   return shifted - magic;
 }
 
+/// The largest integer that is not above x; of larger x than 2^51, x itself.
+inline Lanes Floor(Lanes x) {
+  Ints unused;
+  const Lanes nearest = Round(x, unused);
+  const Lanes floor = nearest > x ? nearest - 1.0 : nearest;
+  return abs(x) < 0x1p51 ? floor : x;
+}
+
+/// An integer 0 <= x < 2^52 as Ints, exactly.
+inline Ints ToInts(Lanes x) { return BitsOf(x + 0x1p52) - 0x4330000000000000; }
+
 // ---- sine, cosine, tangent -------------------------------------------------------------------------------
 
 struct SinCos {

@@ -218,6 +218,49 @@ inline Lanes Gather(const T* from, Ints i) {
 #endif
 }
 
+#if ORV_LANES > 1
+/// Two doubles of each lane, to all first ones and all second ones.
+inline void Deal(const double* const (&from)[kLanes], Lanes& a, Lanes& b) {
+  using Two = double __attribute__((vector_size(16)));
+  Two pair[kLanes];
+  for (std::size_t k = 0; k < kLanes; ++k) __builtin_memcpy(&pair[k], from[k], sizeof pair[k]);
+#if ORV_LANES == 2
+  a = __builtin_shufflevector(pair[0], pair[1], 0, 2);
+  b = __builtin_shufflevector(pair[0], pair[1], 1, 3);
+#elif ORV_LANES == 4
+  const Lanes even = __builtin_shufflevector(pair[0], pair[2], 0, 1, 2, 3);
+  const Lanes odd = __builtin_shufflevector(pair[1], pair[3], 0, 1, 2, 3);
+  a = __builtin_shufflevector(even, odd, 0, 4, 2, 6);
+  b = __builtin_shufflevector(even, odd, 1, 5, 3, 7);
+#else
+  using Four = double __attribute__((vector_size(32)));
+  const Four f02 = __builtin_shufflevector(pair[0], pair[2], 0, 1, 2, 3);
+  const Four f46 = __builtin_shufflevector(pair[4], pair[6], 0, 1, 2, 3);
+  const Four f13 = __builtin_shufflevector(pair[1], pair[3], 0, 1, 2, 3);
+  const Four f57 = __builtin_shufflevector(pair[5], pair[7], 0, 1, 2, 3);
+  const Lanes even = __builtin_shufflevector(f02, f46, 0, 1, 2, 3, 4, 5, 6, 7);
+  const Lanes odd = __builtin_shufflevector(f13, f57, 0, 1, 2, 3, 4, 5, 6, 7);
+  a = __builtin_shufflevector(even, odd, 0, 8, 2, 10, 4, 12, 6, 14);
+  b = __builtin_shufflevector(even, odd, 1, 9, 3, 11, 5, 13, 7, 15);
+#endif
+}
+#endif
+
+/// from[2 i] and from[2 i + 1], each lane its own i; all must lie within the array.  By loads of pairs: the gather
+/// instructions of x86 are slower, where they are not switched off.
+inline void GatherPairs(const double* from, Ints i, Lanes& a, Lanes& b) {
+#if ORV_LANES == 1
+  a = from[2 * i];
+  b = from[2 * i + 1];
+#else
+  long long at[kLanes];
+  __builtin_memcpy(at, &i, sizeof at);
+  const double* pairs[kLanes];
+  for (std::size_t k = 0; k < kLanes; ++k) pairs[k] = from + 2 * at[k];
+  Deal(pairs, a, b);
+#endif
+}
+
 /// The points that a kernel works on at once: radians, degrees or metres.
 struct Point {
   Lanes x, y;

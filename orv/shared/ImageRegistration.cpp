@@ -12,11 +12,16 @@
 #include <Eigen/Core>
 #include <Eigen/QR>
 
+#include "orv/lanes/Blocks.h"
+#include "orv/lanes/Dispatch.h"
+#include "orv/shared/RegistrationWarp.h"
+
 namespace shr {
 namespace {
 
 using Eigen::Index;
 using Eigen::MatrixXd;
+using orv::one::ToBox;
 
 // Spread across the best line, relative to the spread along it.  Rounding of 2.2e-16 leaves 2.2e-6 relative
 // there.
@@ -32,24 +37,17 @@ constexpr std::size_t kMaxSplinePoints = 5000;
 // Largest system for the rank-revealing solver: some 6 seconds.
 constexpr Index kMaxRankRevealing = 2000;
 
-// phi as a function of r^2.  The first: r^2 ln r = (r^2 ln r^2) / 2.
-double ThinPlate(double r2) { return r2 == 0 ? 0.0 : 0.5 * r2 * std::log(r2); }
-double NaturalCubic(double r2) { return r2 * std::sqrt(r2); }
-double Marcov(double r2) { return std::exp(-std::sqrt(r2)); }
-double Exponential(double r2) { return std::exp(-r2); }
-double RationalQuadratic(double r2) { return 1 / (1 + r2); }
-
 struct MethodRow {
   WarpingMethod method;
   double (*phi)(double r2);  // null: inverse distance squared
 };
 
 constexpr MethodRow kMethods[] = {
-    {WarpingMethodThinPlateSpline, &ThinPlate},
-    {WarpingMethodNaturalCubicSpline, &NaturalCubic},
-    {WarpingMethodMarcovSpline, &Marcov},
-    {WarpingMethodExponentialSpline, &Exponential},
-    {WarpingMethodRationalQuadraticSpline, &RationalQuadratic},
+    {WarpingMethodThinPlateSpline, &orv::one::Phi<WarpingMethodThinPlateSpline>},
+    {WarpingMethodNaturalCubicSpline, &orv::one::Phi<WarpingMethodNaturalCubicSpline>},
+    {WarpingMethodMarcovSpline, &orv::one::Phi<WarpingMethodMarcovSpline>},
+    {WarpingMethodExponentialSpline, &orv::one::Phi<WarpingMethodExponentialSpline>},
+    {WarpingMethodRationalQuadraticSpline, &orv::one::Phi<WarpingMethodRationalQuadraticSpline>},
     {WarpingMethodInverseDistanceSquared, nullptr},
 };
 
@@ -61,13 +59,8 @@ const MethodRow* FindMethod(WarpingMethod method) {
 }
 
 // One axis of a control points' box.
-struct Axis {
-  double origin = 0;
-  double extent = 0;
+struct Axis : orv::RegistrationAxis {
   double rounding = 0;  // of the coordinates, in box units
-
-  double ToBox(double value) const { return (value - origin) / extent; }
-  double FromBox(double value) const { return origin + extent * value; }
 };
 
 // The axis of the values of one member of the points; false when a value or the extent is not finite.
@@ -104,84 +97,54 @@ bool IsCollinear(const MatrixXd& boxed, double tolerance) {
   return !(across > tolerance * along);
 }
 
-// A control point in box units.  w is the spline's weight, or the residual of method 5.
-struct Node {
-  double u, v;
-  double wX, wY;
-};
-
 }  // namespace
 
 struct CImageRegistration::Impl {
-  double (*m_Phi)(double r2) = nullptr;
-  Axis m_SourceX, m_SourceY;
-  Axis m_TargetX, m_TargetY;
+  const MethodRow* m_Method = nullptr;
+  Axis m_SourceX = {}, m_SourceY = {};
+  Axis m_TargetX = {}, m_TargetY = {};
   double m_ToleranceX = kResidual;  // largest miss at a control point, in box units
   double m_ToleranceY = kResidual;
-  double m_a[3] = {0, 0, 0};  // affine part of X: a0 + a1 u + a2 v
-  double m_b[3] = {0, 0, 0};  // affine part of Y
-  std::vector<Node> m_Nodes;  // empty: affine
+  orv::RegistrationWarp m_Warp = {};
+  std::vector<orv::RegistrationNode> m_Nodes;  // empty: affine
 
   bool Fit(const MatrixXd& boxed, const MatrixXd& target);
   bool FitWeights(const MatrixXd& boxed, const Eigen::HouseholderQR<MatrixXd>& qr, const MatrixXd& affine,
                   const MatrixXd& residual, const MatrixXd& target);
   bool Store(const MatrixXd& boxed, const MatrixXd& affine, const MatrixXd& weights, const MatrixXd& target);
-  RPoint Evaluate(double u, double v) const;
+  void Run(const orv::RegistrationWarp& warp, double* xy, std::size_t count) const;
 };
 
-RPoint CImageRegistration::Impl::Evaluate(double u, double v) const {
-  RPoint result{m_a[0] + m_a[1] * u + m_a[2] * v, m_b[0] + m_b[1] * u + m_b[2] * v};
-  if (m_Phi) {
-    for (const Node& node : m_Nodes) {
-      const double du = u - node.u, dv = v - node.v;
-      const double phi = m_Phi(du * du + dv * dv);
-      result.x += node.wX * phi;
-      result.y += node.wY * phi;
-    }
-    return result;
-  }
-  if (m_Nodes.empty()) return result;
-
-  // [She68].  The weights are taken relative to that of the nearest point, 1 / r^2 to nearest / r^2, so that
-  // none overflows.
-  const Node* nearestNode = nullptr;
-  double nearest = 0;
-  for (const Node& node : m_Nodes) {
-    const double du = u - node.u, dv = v - node.v;
-    const double r2 = du * du + dv * dv;
-    if (!nearestNode || r2 < nearest) {
-      nearestNode = &node;
-      nearest = r2;
-    }
-  }
-  if (nearest == 0) return {result.x + nearestNode->wX, result.y + nearestNode->wY};
-  double sum = 0, sumX = 0, sumY = 0;
-  for (const Node& node : m_Nodes) {
-    const double du = u - node.u, dv = v - node.v;
-    const double weight = nearest / (du * du + dv * dv);
-    sum += weight;
-    sumX += weight * node.wX;
-    sumY += weight * node.wY;
-  }
-  return {result.x + sumX / sum, result.y + sumY / sum};
+void CImageRegistration::Impl::Run(const orv::RegistrationWarp& warp, double* xy, std::size_t count) const {
+  orv::lanes::ForEachBlock(xy, count,
+                           [&](const orv::lanes::KernelTable& kernels, double* block, std::size_t n) {
+                             kernels.registration[m_Method->method](warp, block, n);
+                           });
 }
 
 // Takes the solution (no weights: affine) and tells whether it meets all control points.
 bool CImageRegistration::Impl::Store(const MatrixXd& boxed, const MatrixXd& affine, const MatrixXd& weights,
                                      const MatrixXd& target) {
   for (Index k = 0; k < 3; ++k) {
-    m_a[k] = affine(k, 0);
-    m_b[k] = affine(k, 1);
+    m_Warp.a[k] = affine(k, 0);
+    m_Warp.b[k] = affine(k, 1);
   }
   m_Nodes.clear();
   for (Index i = 0; i < weights.rows(); ++i) {
     m_Nodes.push_back({boxed(i, 0), boxed(i, 1), weights(i, 0), weights(i, 1)});
   }
+  m_Warp.nodes = m_Nodes.data();
+  m_Warp.count = m_Nodes.size();
+  orv::RegistrationWarp inBoxes = m_Warp;
+  inBoxes.sourceX = inBoxes.sourceY = inBoxes.targetX = inBoxes.targetY = {0, 1};
+  std::vector<double> found;
+  for (Index i = 0; i < boxed.rows(); ++i) found.insert(found.end(), {boxed(i, 0), boxed(i, 1)});
+  Run(inBoxes, found.data(), found.size() / 2);
   for (Index i = 0; i < boxed.rows(); ++i) {
-    const RPoint found = Evaluate(boxed(i, 0), boxed(i, 1));
+    const std::size_t at = 2 * static_cast<std::size_t>(i);
     // Written so that a NaN fails.
-    if (!(std::fabs(found.x - target(i, 0)) <= m_ToleranceX)) return false;
-    if (!(std::fabs(found.y - target(i, 1)) <= m_ToleranceY)) return false;
+    if (!(std::fabs(found[at] - target(i, 0)) <= m_ToleranceX)) return false;
+    if (!(std::fabs(found[at + 1] - target(i, 1)) <= m_ToleranceY)) return false;
   }
   return true;
 }
@@ -211,7 +174,7 @@ bool CImageRegistration::Impl::Fit(const MatrixXd& boxed, const MatrixXd& target
   if (residual.isZero(0)) return Store(boxed, affine, MatrixXd(0, 2), target);
 
   // 3. Carry the residuals.
-  if (m_Phi) return FitWeights(boxed, qr, affine, residual, target);
+  if (m_Method->phi) return FitWeights(boxed, qr, affine, residual, target);
   return Store(boxed, affine, residual, target);
 }
 
@@ -226,7 +189,7 @@ bool CImageRegistration::Impl::FitWeights(const MatrixXd& boxed, const Eigen::Ho
   for (Index j = 0; j < n; ++j) {
     for (Index i = 0; i <= j; ++i) {
       const double du = boxed(i, 0) - boxed(j, 0), dv = boxed(i, 1) - boxed(j, 1);
-      kernel(i, j) = kernel(j, i) = m_Phi(du * du + dv * dv);
+      kernel(i, j) = kernel(j, i) = m_Method->phi(du * du + dv * dv);
     }
   }
   kernel.applyOnTheLeft(qr.householderQ().adjoint());
@@ -266,7 +229,7 @@ WarpingMethod CImageRegistration::Calibrate(const RPoints& source, const RPoints
   if (row->phi && count > kMaxSplinePoints) return WarpingMethodNone;
 
   auto fit = std::make_unique<Impl>();
-  fit->m_Phi = row->phi;
+  fit->m_Method = row;
   if (!MeasureAxis(source, &RPoint::x, fit->m_SourceX) || !MeasureAxis(source, &RPoint::y, fit->m_SourceY) ||
       !MeasureAxis(destination, &RPoint::x, fit->m_TargetX) ||
       !MeasureAxis(destination, &RPoint::y, fit->m_TargetY)) {
@@ -282,9 +245,13 @@ WarpingMethod CImageRegistration::Calibrate(const RPoints& source, const RPoints
   for (Index i = 0; i < n; ++i) {
     const RPoint& from = source[static_cast<std::size_t>(i)];
     const RPoint& to = destination[static_cast<std::size_t>(i)];
-    boxed.row(i) << fit->m_SourceX.ToBox(from.x), fit->m_SourceY.ToBox(from.y);
-    target.row(i) << fit->m_TargetX.ToBox(to.x), fit->m_TargetY.ToBox(to.y);
+    boxed.row(i) << ToBox(fit->m_SourceX, from.x), ToBox(fit->m_SourceY, from.y);
+    target.row(i) << ToBox(fit->m_TargetX, to.x), ToBox(fit->m_TargetY, to.y);
   }
+  fit->m_Warp.sourceX = fit->m_SourceX;
+  fit->m_Warp.sourceY = fit->m_SourceY;
+  fit->m_Warp.targetX = fit->m_TargetX;
+  fit->m_Warp.targetY = fit->m_TargetY;
   if (HasCoincident(boxed)) return WarpingMethodNone;
   if (IsCollinear(boxed, std::max(kCollinear, fit->m_SourceX.rounding + fit->m_SourceY.rounding)))
     return WarpingMethodNone;
@@ -295,10 +262,13 @@ WarpingMethod CImageRegistration::Calibrate(const RPoints& source, const RPoints
 }
 
 RPoint CImageRegistration::Transform(const RPoint& point) const {
-  if (!m_pImpl) return point;
-  const RPoint image =
-      m_pImpl->Evaluate(m_pImpl->m_SourceX.ToBox(point.x), m_pImpl->m_SourceY.ToBox(point.y));
-  return {m_pImpl->m_TargetX.FromBox(image.x), m_pImpl->m_TargetY.FromBox(image.y)};
+  double xy[] = {point.x, point.y};
+  Transform(xy, 1);
+  return {xy[0], xy[1]};
+}
+
+void CImageRegistration::Transform(double* xy, std::size_t count) const {
+  if (m_pImpl) m_pImpl->Run(m_pImpl->m_Warp, xy, count);
 }
 
 }  // namespace shr

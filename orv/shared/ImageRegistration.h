@@ -101,8 +101,12 @@ class ORV_API CImageRegistration {
   /// The image of a source point; the point itself, unchanged, when the object is not calibrated.
   ///
   /// Outside the box the map extrapolates.  Points so far off that r^2 overflows (beyond 1e154 boxes), and
-  /// points that are not finite, give coordinates that need not be finite.  Never raises.
+  /// points that are not finite, give coordinates that need not be finite.  A point with the largest finite double
+  /// in either coordinate, which stands for no value, comes back unchanged.  The same bits on every processor, for
+  /// the same calibration.  Never raises.
   RPoint Transform(const RPoint& point) const;
+  /// Replaces points, x and y in turns, by their images.  The bits of one by one.
+  void Transform(double* xy, std::size_t count) const;
 
  private:
   struct Impl;

@@ -3,6 +3,7 @@
 #include "orv/warp/WarpTransformer.h"
 
 #include "orv/core/internal/Fail.h"
+#include "orv/warp/WarpTranCoeff.h"
 #include "orv/warp/internal/WarpLoop.h"
 
 ORV_UNIT("WarpTranCoeff")
@@ -18,11 +19,9 @@ bool WarpTransformer::InitializeCoeff() {
 
 bool WarpTransformer::TransformCoeff(shr::Vec2d* points, size_t count) {
   if (!points || count < 1) return ORV_FAIL(ErrCorrupt, "No points to transform.");
-  double c0, c1, c2, c3, c4, c5;
-  m_Def.GetCoefficients(c0, c1, c2, c3, c4, c5);
-  internal::TransformUnmarked(points, count, [=](double x, double y) {
-    return shr::Vec2d(c0 * x + c1 * y + c2, c3 * x + c4 * y + c5);
-  });
+  WarpCoeff c;
+  m_Def.GetCoefficients(c.c0, c.c1, c.c2, c.c3, c.c4, c.c5);
+  internal::TransformUnmarked(points, count, &lanes::KernelTable::warpCoeff, c);
   return true;
 }
 

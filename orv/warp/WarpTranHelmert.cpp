@@ -3,6 +3,7 @@
 #include "orv/warp/WarpTransformer.h"
 
 #include "orv/core/internal/Fail.h"
+#include "orv/warp/WarpTranHelmert.h"
 #include "orv/warp/internal/WarpLoop.h"
 
 ORV_UNIT("WarpTranHelmert")
@@ -49,10 +50,8 @@ bool WarpTransformer::InitializeHelmert() {
 
 bool WarpTransformer::TransformHelmert(shr::Vec2d* points, size_t count) {
   if (!points || count < 1) return ORV_FAIL(ErrCorrupt, "No points to transform.");
-  internal::TransformUnmarked(points, count,
-                              [a = m_Helm_a, b = m_Helm_b, c = m_Helm_c, d = m_Helm_d](double x, double y) {
-                                return shr::Vec2d(a * x - b * y + c, b * x + a * y + d);
-                              });
+  internal::TransformUnmarked(points, count, &lanes::KernelTable::warpHelmert,
+                              {m_Helm_a, m_Helm_b, m_Helm_c, m_Helm_d});
   return true;
 }
 

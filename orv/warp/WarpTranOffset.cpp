@@ -3,6 +3,7 @@
 #include "orv/warp/WarpTransformer.h"
 
 #include "orv/core/internal/Fail.h"
+#include "orv/warp/WarpTranOffset.h"
 #include "orv/warp/internal/WarpLoop.h"
 
 ORV_UNIT("WarpTranOffset")
@@ -28,9 +29,7 @@ bool WarpTransformer::InitializeOffset() {
 
 bool WarpTransformer::TransformOffset(shr::Vec2d* points, size_t count) {
   if (!points || count < 1) return ORV_FAIL(ErrCorrupt, "No points to transform.");
-  internal::TransformUnmarked(points, count, [shiftX = m_ShiftX, shiftY = m_ShiftY](double x, double y) {
-    return shr::Vec2d(x + shiftX, y + shiftY);
-  });
+  internal::TransformUnmarked(points, count, &lanes::KernelTable::warpOffset, {m_ShiftX, m_ShiftY});
   return true;
 }
 

@@ -7,6 +7,8 @@
 #include <utility>
 
 #include "orv/core/internal/Fail.h"
+#include "orv/core/internal/Marker.h"
+#include "orv/warp/WarpTranOrder3.h"
 #include "orv/warp/internal/WarpAccess.h"
 #include "orv/warp/internal/WarpLoop.h"
 #include "orv/warp/internal/WarpPolynomial.h"
@@ -59,22 +61,15 @@ FitSystem NormalSystem(const std::vector<shr::Vec2d>& source, const std::vector<
   return system;
 }
 
-// X and Y: the terms of the order, summed up from the first one on.
-template <int kOrder, size_t... kIndex>
-void Evaluate(shr::Vec2d* points, size_t count, const TermRow& e, const TermRow& n,
-              std::index_sequence<kIndex...>) {
-  internal::TransformUnmarked(points, count, [e, n](double x, double y) {
-    const TermRow t = {internal::PolynomialTerm(static_cast<int>(kIndex) + 1, x, y, kOrder == 0)...};
-    shr::Vec2d sum;
-    ((sum.x += e[kIndex] * t[kIndex]), ...);
-    ((sum.y += n[kIndex] * t[kIndex]), ...);
-    return sum;
-  });
-}
-
 template <int kOrder>
-void Evaluate(shr::Vec2d* points, size_t count, const TermRow& e, const TermRow& n) {
-  Evaluate<kOrder>(points, count, e, n, std::make_index_sequence<size_t{internal::TermCount(kOrder)}>());
+void Evaluate(shr::Vec2d* points, size_t count,
+              lanes::WarpKernel<WarpOrder3<kOrder>> lanes::KernelTable::*kernel, const TermRow& e,
+              const TermRow& n) {
+  static_assert(WarpOrder3<kOrder>::kTerms == internal::TermCount(kOrder));
+  WarpOrder3<kOrder> warp;
+  std::copy_n(e.begin(), warp.kTerms, warp.e);
+  std::copy_n(n.begin(), warp.kTerms, warp.n);
+  internal::TransformUnmarked(points, count, kernel, warp);
 }
 
 }  // namespace
@@ -137,19 +132,21 @@ bool WarpTransformer::TransformOrder3(shr::Vec2d* points, size_t count, int orde
   if (!internal::IsOrder(order)) return ORV_FAIL(ErrCorrupt, "Polynomial order invalid.");
   switch (order) {
     case 0:
-      Evaluate<0>(points, count, m_e, m_n);
+      Evaluate(points, count, &lanes::KernelTable::warpOrder0, m_e, m_n);
       break;
     case 1:
-      Evaluate<1>(points, count, m_e, m_n);
+      Evaluate(points, count, &lanes::KernelTable::warpOrder1, m_e, m_n);
       break;
     case 2:
-      Evaluate<2>(points, count, m_e, m_n);
+      Evaluate(points, count, &lanes::KernelTable::warpOrder2, m_e, m_n);
       break;
     case 3:
-      Evaluate<3>(points, count, m_e, m_n);
+      Evaluate(points, count, &lanes::KernelTable::warpOrder3, m_e, m_n);
       break;
     default:  // -1: a sum of no terms
-      internal::TransformUnmarked(points, count, [](double, double) { return shr::Vec2d(); });
+      for (size_t i = 0; i < count; ++i) {
+        if (!internal::IsMarked(points[i])) points[i] = shr::Vec2d();
+      }
       break;
   }
   return true;

@@ -8,7 +8,6 @@
 #include "orv/core/internal/NameTable.h"
 #include "orv/shared/ImageRegistration.h"
 #include "orv/warp/internal/WarpAccess.h"
-#include "orv/warp/internal/WarpLoop.h"
 
 ORV_UNIT("WarpTransformer")
 
@@ -175,10 +174,7 @@ bool WarpTransformer::ExCalibrate() {
 
 bool WarpTransformer::ExTransform(shr::Vec2d* points, size_t count) {
   if (!points || count == 0 || !m_WarpCtx) return false;
-  internal::TransformUnmarked(points, count, [this](double x, double y) {
-    const shr::RPoint image = m_WarpCtx->Transform({x, y});
-    return shr::Vec2d(image.x, image.y);
-  });
+  m_WarpCtx->Transform(&points->x, count);
   return true;
 }
 

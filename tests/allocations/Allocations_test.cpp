@@ -10,11 +10,16 @@
 #include "orv/core/Startup.h"
 #include "orv/datum/DatumConverter.h"
 #include "orv/datum/DatumList.h"
+#include "orv/datum/DatumMethods.h"
+#include "orv/datum/GridFiles.h"
 #include "orv/projection/Projector.h"
 #include "orv/system/CSTransformer.h"
 #include "orv/system/ORVDef.h"
 #include "orv/tables/EllipsoidList.h"
+#include "orv/warp/WarpTransformer.h"
+#include "tests/support/GridBytes.h"
 #include "tests/support/Paths.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 
@@ -118,6 +123,54 @@ TEST_F(Allocations, NoDatumConverterAllocates) {
     orv::DatumConverter converter(&datum, &wgs84);
     const auto convert = [&](shr::Vec2d* points, size_t count) { converter.Convert(points, count); };
     EXPECT_EQ(AllocationsOf(convert), 0u) << orv::DatumDef::MethodToName(datum.GetMethod());
+  }
+}
+
+TEST_F(Allocations, NoGridAllocates) {
+  const orv::test::TempFolder folder;
+  const auto seconds = [](int col, int row) {
+    return static_cast<float>(col * 7 % 5) + 0.25F * static_cast<float>(row);
+  };
+  const orv::test::NadconLayout layout = {30, 30, 5.0F, 0.25F, 45.0F, 0.25F};
+  folder.Write("made.los", orv::test::NadconFile(layout, seconds));
+  folder.Write("made.las", orv::test::NadconFile(layout, seconds));
+  folder.Write(
+      "made.gsb",
+      orv::test::NTv2File({orv::test::NTv2Box("MADE", "NONE", 5, 45, 0.25, 30, 30, [&](int col, int row) {
+        return orv::test::NTv2Shift{seconds(col, row), seconds(row, col)};
+      })}));
+  orv::ORVSetNadconGridPath(folder.Path().c_str());
+  orv::ORVSetNTv2GridFile(folder.Path("made.gsb").c_str());
+  for (const orv::DatumMethod method : {orv::DatumMethodNADCON, orv::DatumMethodNTV2}) {
+    for (const bool inverse : {false, true}) {
+      orv::DatumParameters p;
+      p.method = method;
+      p.inverse = inverse;
+      const orv::internal::DatumStep step(p, orv::EllipsoidDef(), orv::internal::Grids());
+      shr::Vec2d moved(10, 50);
+      ASSERT_EQ(step.Run(&moved, 1), nullptr);
+      EXPECT_NE(moved.x, 10) << method;  // the grid is there
+      const auto run = [&](shr::Vec2d* points, size_t count) { step.Run(points, count); };
+      EXPECT_EQ(AllocationsOf(run), 0u) << method << (inverse ? " inverse" : " forward");
+    }
+  }
+  orv::ORVSetNadconGridPath(nullptr);
+  orv::ORVSetNTv2GridFile(nullptr);
+}
+
+TEST_F(Allocations, NoWarpAllocates) {
+  for (int method = orv::WarpMethodDisplacement; method <= orv::WarpMethodInverseDistanceSquared; ++method) {
+    orv::WarpDef def;
+    def.SetMethod(static_cast<orv::WarpMethod>(method));
+    for (int i = 0; i < 12; ++i) {
+      const double x = i % 4, y = 0.7 * i - i % 3;
+      def.AddSourcePoint(x, y);
+      def.AddDestinationPoint(2 * x + 0.1 * y * y, 3 * y + 0.2 * x * y + i % 5);
+    }
+    if (method == orv::WarpMethodAffineWithCoefficients) def.SetCoefficients(2, 0.5, 100, 0.25, 3, 7);
+    orv::WarpTransformer warp(def);
+    const auto forward = [&](shr::Vec2d* points, size_t count) { warp.TransformForward(points, count); };
+    EXPECT_EQ(AllocationsOf(forward), 0u) << orv::WarpDef::MethodName(def.GetMethod());
   }
 }
 

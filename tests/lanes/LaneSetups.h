@@ -2,6 +2,7 @@
 // equations, and points to run them on.  Independent of the engine classes.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
@@ -10,6 +11,8 @@
 
 #include "orv/datum/BursaWolf.h"
 #include "orv/datum/Molodensky.h"
+#include "orv/datum/NTv2Shift.h"
+#include "orv/datum/NadconShift.h"
 #include "orv/datum/Regression.h"
 #include "orv/lanes/Dispatch.h"
 #include "orv/projection/ProjAzimuthalEquidistant.h"
@@ -36,6 +39,11 @@
 #include "orv/projection/ProjTranAlbers.h"
 #include "orv/projection/ProjTransverseMercator.h"
 #include "orv/projection/ProjVanDerGrinten.h"
+#include "orv/shared/RegistrationWarp.h"
+#include "orv/warp/WarpTranCoeff.h"
+#include "orv/warp/WarpTranHelmert.h"
+#include "orv/warp/WarpTranOffset.h"
+#include "orv/warp/WarpTranOrder3.h"
 
 namespace lanetest {
 
@@ -269,6 +277,63 @@ inline constexpr orv::RegressionTerm kLatTerms[] = {{1.25, 0, 0},  {-0.75, 1, 0}
 inline constexpr orv::RegressionTerm kLonTerms[] = {{-2.5, 0, 0}, {1.5, 0, 1},  {0.3, 1, 1}, {-4.2, 0, 9},
                                                     {0.7, 2, 7},  {-0.9, 9, 4}, {0.1, 3, 5}};
 inline orv::Regression MakeRegression(double k) { return {37, -95, k, kLatTerms, 11, kLonTerms, 7}; }
+
+// Two grids of NADCON, the second finer and within the first, and two of NTv2, the second a child of the first; shifts
+// of up to ten seconds, made from the node's number.
+struct GridTables {
+  static constexpr std::size_t kColumns = 40, kRows = 30;
+  double seconds[2 * kColumns * kRows];
+  double radians[2 * kColumns * kRows];
+  orv::NadconCells nadcon[2];
+  orv::NTv2Cells ntv2[2];
+  std::size_t children[2] = {0, 1};
+
+  GridTables() {
+    for (std::size_t i = 0; i < 2 * kColumns * kRows; ++i) {
+      seconds[i] = static_cast<double>(i * 7919 % 2000) / 100 - 10;
+      radians[i] = seconds[i] * 4.84813681109536e-6;
+    }
+    nadcon[0] = {-10.5, 9.25, 39.5, 53.75, -10, 40, 0.5, 0.5, kColumns, seconds};
+    nadcon[1] = {0, 3.5, 45, 47.5, 0.125, 45.125, 0.125, 0.125, kColumns, seconds};
+    ntv2[0] = Cells(-0.25, 0.5, 0.0125, 1, 1, false);
+    ntv2[1] = Cells(-0.125, 0.625, 0.003125, 0, 0, true);
+  }
+  orv::NadconSet Nadcon() const { return {nadcon, 2}; }
+  orv::NTv2Set NTv2() const { return {ntv2, children, 0, 1}; }
+
+ private:
+  orv::NTv2Cells Cells(double west, double south, double step, std::size_t child, std::size_t childCount,
+                       bool certain) const {
+    const double width = step * (kColumns - 1), height = step * (kRows - 1);
+    return {west,           south,    west + width, south + height, 1 / step, 1 / step,   width + 1e-12,
+            height + 1e-12, kColumns, kRows,        radians,        child,    childCount, certain};
+  }
+};
+inline const GridTables kGridTables;
+
+// Made up, like the regression's terms: an image of 4000 by 3000 pixels to metres.
+template <int kOrder>
+orv::WarpOrder3<kOrder> MakeWarpOrder3() {
+  constexpr double kE[] = {447000.25, 0.31, -0.07, 2.5e-6, -1.25e-6, 7e-7, 3e-11, -2e-11, 5e-12, 1e-12};
+  constexpr double kN[] = {5411000.5, -0.06, -0.33, 4e-6, 1.75e-6, -3e-7, 1e-12, 6e-11, -7e-12, 9e-11};
+  orv::WarpOrder3<kOrder> warp;
+  std::copy_n(kE, warp.kTerms, warp.e);
+  std::copy_n(kN, warp.kTerms, warp.n);
+  return warp;
+}
+inline constexpr orv::WarpOffset kWarpOffset = {447000.25, -17.3};
+inline constexpr orv::WarpHelmert kWarpHelmert = {0.31, -0.07, 447000.25, 5411000.5};
+inline constexpr orv::WarpCoeff kWarpCoeff = {0.31, -0.07, 447000.25, -0.06, -0.33, 5411000.5};
+// The first node lies at pixel (40, 30), exactly.
+inline constexpr orv::RegistrationNode kRegistrationNodes[] = {{0, 0, 0.25, -0.5},
+                                                               {1, 0.125, -0.75, 0.3},
+                                                               {0.9, 1, 0.1, -0.2},
+                                                               {0.0625, 0.85, 0.35, 0.6},
+                                                               {0.5, 0.375, 0.05, -0.2}};
+inline orv::RegistrationWarp MakeRegistration() {
+  return {{40, 3900},          {30, 2900},      {447000.25, 1210},  {5411000.5, 930},
+          {0.125, 0.9, -0.07}, {0.75, 0.1, -1}, kRegistrationNodes, 5};
+}
 
 // n points in a box, drawn evenly with a fixed seed.
 inline std::vector<Pt> Box(std::size_t n, double x0, double x1, double y0, double y1) {

@@ -176,6 +176,24 @@ std::vector<Work> AllWork(std::size_t n = 1500) {
                    }
                    k.unwrapLongitudes(xy, m, extra.data());
                  }});
+  const auto pixels = Box(n, -500, 4500, -400, 3400);
+  AddMethod(all, "warp offset", kWarpOffset, &KernelTable::warpOffset, pixels);
+  AddMethod(all, "warp helmert", kWarpHelmert, &KernelTable::warpHelmert, pixels);
+  AddMethod(all, "warp order 0", MakeWarpOrder3<0>(), &KernelTable::warpOrder0, pixels);
+  AddMethod(all, "warp order 1", MakeWarpOrder3<1>(), &KernelTable::warpOrder1, pixels);
+  AddMethod(all, "warp order 2", MakeWarpOrder3<2>(), &KernelTable::warpOrder2, pixels);
+  AddMethod(all, "warp order 3", MakeWarpOrder3<3>(), &KernelTable::warpOrder3, pixels);
+  AddMethod(all, "warp coefficients", kWarpCoeff, &KernelTable::warpCoeff, pixels);
+  for (std::size_t method = 0; method < 6; ++method) {
+    auto points = pixels;
+    points[1] = {40, 30};  // a node
+    all.push_back({"warp registration " + std::to_string(method), points,
+                   [method](const KernelTable& k, double* xy, std::size_t m, auto&) {
+                     k.registration[method](MakeRegistration(), xy, m);
+                   }});
+  }
+  AddEngine(all, "nadcon", kGridTables.Nadcon(), &KernelTable::nadcon, Box(n, -12, 12, 38, 56));
+  AddEngine(all, "ntv2", kGridTables.NTv2(), &KernelTable::ntv2, Box(n, -0.3, 0.3, 0.45, 0.9));
   return all;
 }
 
@@ -345,7 +363,8 @@ TEST(Lanes, EnginesAndMethodsLeavePointsWithAMarkerUntouched) {
   for (const Work& work : AllWork()) {
     const bool kernel = work.name.find("ward") != std::string::npos ||
                         work.name.find("verse") != std::string::npos || work.name == "molodensky" ||
-                        work.name == "bursa-wolf" || work.name == "regression";
+                        work.name == "bursa-wolf" || work.name == "regression" ||
+                        work.name.find("warp ") == 0;
     if (!kernel) continue;
     for (const KernelTable* set : Sets()) {
       std::vector<Pt> points = {{kMarker, kMarker}, {kMarker, 0.25}, {0.25, kMarker}, {kMarker, -0.0}};
