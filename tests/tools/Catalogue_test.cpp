@@ -112,7 +112,7 @@ TEST(OrvCatalogue, IdentifyGivesTheReasonOfTheNearestMiss) {
   EXPECT_EQ(r.status, 1);
   EXPECT_EQ(r.err, "orv: no known system places points alike; the nearest are shown with what differs\n");
   // A hundredth of a degree on a sphere of 6378137 m.
-  EXPECT_EQ(Lines(r.out)[0], "EPSG:3857\tdifferent\tWGS 84 / Pseudo-Mercator\t1.11e+03 m apart");
+  EXPECT_EQ(Lines(r.out)[0], "EPSG:3857\tdifferent\tWGS 84 / Pseudo-Mercator\t1.11 km apart");
   EXPECT_EQ(Lines(r.out)[1], "\tCentral Longitude: 0.01, there 0");
   EXPECT_NE(RunOrv({"identify", "method=Merc,Lon0=0.01,a=6378137,f=0,datum=EPSG:6326", "--json"})
                 .out.find("\"what\": \"Central Longitude\""),

@@ -67,6 +67,19 @@ TEST(OrvCheck, WhatStandsBesideTheFileIsLookedUp) {
   EXPECT_EQ(r.out, bad + ": 1 entries, 1 error\n");
 }
 
+TEST(OrvCheck, AHundredErrorsAreEnough) {
+  const TempFolder folder;
+  std::string text = "{ token=G name=Greenwich lon=0 }\n";
+  for (int i = 0; i < 101; ++i) text += "{ token=X name=y lon=400 }\n";
+  const std::string file = folder.Write("meridian.ocf", text);
+  const Result r = RunOrv({"check", file});
+  EXPECT_EQ(r.out, file + ": 1 entries, 100 errors\n");
+  const std::vector<std::string> lines = orv::test::Lines(r.err);
+  ASSERT_EQ(lines.size(), 101u);
+  EXPECT_EQ(lines[99], "orv: " + file + "(101):  Longitude out of range.");
+  EXPECT_EQ(lines[100], "orv: " + file + ": 100 errors; the rest is not read");
+}
+
 TEST(OrvCheck, ANameThatSaysNothingNeedsTheKind) {
   const TempFolder folder;
   const std::string file = folder.Write("mine.txt", "{ token=G name=Greenwich lon=0 }");

@@ -158,6 +158,16 @@ TEST(OrvWarp, FitsAndNamesTheWorstPoint) {
       "1.5,5\n-1,10\n");
 }
 
+TEST(OrvWarp, APointWithoutAPlaceIsAnEmptyPair) {
+  const TempFolder folder;
+  const std::string file = folder.Write("control.csv", "0,0,0,3\n");
+  const Result r =
+      RunOrv({"warp", file, "-m", "displacement", "--apply", "-"}, "1,2\n1.7976931348623157e308,0\n");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.out, "1,5\n,\n");
+  EXPECT_EQ(r.err, "orv: 1 of 2 points have no place behind the warp\n");
+}
+
 TEST(OrvWarp, SaysWhatIsWrong) {
   const struct {
     const char *points, *method, *message;

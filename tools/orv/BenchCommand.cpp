@@ -4,12 +4,12 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "orv/convert/Conversion.h"
+#include "orv/convert/internal/JsonText.h"
 #include "orv/projection/ProjectionDef.h"
 #include "orv/system/ORVDef.h"
 #include "tools/orv/Command.h"
@@ -20,7 +20,6 @@ namespace orv::tool {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using Json = nlohmann::ordered_json;
 
 struct BenchOptions {
   std::string from;
@@ -115,16 +114,19 @@ int RunBench(const BenchOptions& options) {
     throw UsageError("--area: west must be below east, south below north");
   }
   const std::vector<shr::Vec2d> points = DrawPoints(*from, conversion, area, options.points);
-  Json json = {{"from", options.from}, {"to", options.to}, {"points", points.size()}, {"area", area}};
-  json["runs"] = Json::array();
+  internal::JsonText json;
+  json.BeginObject().Key("from").Text(options.from).Key("to").Text(options.to);
+  json.Key("points").Number(points.size()).Key("area").BeginArray();
+  for (const double side : area) json.Number(side);
+  json.EndArray().Key("runs").BeginArray();
   std::string text = fmt::format("{} points, {}; one thread\n{:>16}  {:>16}\n", points.size(), Where(area),
                                  "points at a time", "million points/s");
   for (size_t batch = 1; batch <= points.size(); batch *= 10) {
     const double speed = Speed(conversion, points, batch, options.seconds);
-    json["runs"].push_back({{"batch", batch}, {"millionPointsPerSecond", speed}});
+    json.BeginObject().Key("batch").Number(batch).Key("millionPointsPerSecond").Number(speed).EndObject();
     text += fmt::format("{:>16}  {:>16.2f}\n", batch, speed);
   }
-  WriteOutput(options.json ? json.dump(2) + "\n" : text);
+  WriteOutput(options.json ? json.EndArray().EndObject().Finish() : text);
   return ExitAllDone;
 }
 

@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "orv/convert/internal/JsonText.h"
 #include "orv/core/ConfigFile.h"
 #include "orv/core/ORVGlobals.h"
 #include "orv/datum/DatumList.h"
@@ -24,6 +25,7 @@
 #include "orv/tables/LinearUnits.h"
 #include "orv/tables/Meridians.h"
 #include "tools/orv/Command.h"
+#include "tools/orv/NumberText.h"
 
 namespace orv::tool {
 
@@ -34,6 +36,19 @@ namespace fs = std::filesystem;
 struct CheckOptions {
   std::string file;
   std::string as;
+  bool json = false;
+};
+
+/// What is wrong with the file.
+struct CheckError {
+  int line;  ///< 0 when it is not known
+  std::string message;
+};
+
+struct CheckResult {
+  std::vector<CheckError> errors;
+  int entries = 0;        ///< without errors; of settings the pairs
+  bool bComplete = true;  ///< whether all of the file was read
 };
 
 /// A kind of configuration file: what loads it, and how many entries that has taken.
@@ -166,56 +181,91 @@ class Scratch {
   std::string m_Path;
 };
 
-constexpr int kMostErrors = 100;
+constexpr size_t kMostErrors = 100;
 
-/// A message of the library as one line about the user's file.
-std::string MessageFor(std::string message, const std::string& scratch, const std::string& file, int line) {
+/// A message of the library, which may begin with "PATH(LINE):  ".
+///
+/// @param line  where the entry begins that it is about, for a message that does not tell.
+CheckError ErrorFrom(std::string message, const std::string& path, int line) {
   while (!message.empty() && (message.back() == '\n' || message.back() == ' ')) message.pop_back();
-  if (message.starts_with(scratch)) return file + message.substr(scratch.size());
-  return line > 0 ? fmt::format("{}({}):  {}", file, line, message) : fmt::format("{}:  {}", file, message);
+  if (!message.starts_with(path)) return {line, message};
+  std::string_view rest = std::string_view(message).substr(path.size());
+  const size_t close = rest.find("):");
+  int told = 0;
+  if (rest.starts_with('(') && close != std::string_view::npos &&
+      ParseInteger(rest.substr(1, close - 1), told)) {
+    return {told, std::string(Trimmed(rest.substr(close + 2)))};
+  }
+  return {line, std::string(Trimmed(rest.substr(std::min(rest.size(), rest.find_first_not_of(": ")))))};
 }
 
-/// Loads the file; after each error once more without the entry that it is in.  Gives the number of errors.
-int CheckEntries(const FileKind& kind, const std::string& path) {
+/// Loads the file; after each error once more without the entry that it is in.
+CheckResult CheckEntries(const FileKind& kind, const std::string& path) {
   Source source(path);
   const Scratch scratch(fs::path(path).filename().string());
-  int errors = 0;
+  CheckResult result;
   for (;;) {
     scratch.Write(source.Text());
     try {
       kind.load(scratch.Path().c_str());
-      return errors;
+      break;
     } catch (const shr::Exception& e) {
-      if (errors > 0 && source.Entries() == 0)
-        return errors;  // all were faulty: that none is left is no news
+      if (!result.errors.empty() && source.Entries() == 0)
+        break;  // all were faulty: that none is left is no news
       // Entries in front of the faulty one have been taken.
       const auto faulty = static_cast<size_t>(kind.count());
-      Report(MessageFor(e.Message(), scratch.Path(), path, source.LineOf(faulty)));
-      ++errors;
-      if (faulty >= source.Entries()) return errors;
-      if (errors == kMostErrors) {
-        Report(fmt::format("{}: more than {} errors; the rest is not read", path, kMostErrors));
-        return errors;
-      }
+      result.errors.push_back(ErrorFrom(e.Message(), scratch.Path(), source.LineOf(faulty)));
+      result.bComplete = faulty < source.Entries() && result.errors.size() < kMostErrors;
+      if (!result.bComplete) break;
       source.LeaveOut(faulty);
     }
   }
+  result.entries = kind.count();
+  return result;
 }
 
 /// Pairs key = value up to the end of the file.
-int CheckSettings(const std::string& path) {
+CheckResult CheckSettings(const std::string& path) {
   ConfigFileReader reader;
   reader.Open(path.c_str());
+  CheckResult result;
   while (reader.Next()) {
     const std::string key(reader.Token());
     const int line = reader.Line();
     if (!reader.Next() || reader.Token() != "=" || !reader.Next()) {
-      Report(fmt::format("{}({}):  Expected '=' and a value behind '{}'; what follows is not read", path,
-                         line, key));
-      return 1;
+      result.errors.push_back(
+          {line, fmt::format("Expected '=' and a value behind '{}'; what follows is not read", key)});
+      result.bComplete = false;
+      return result;
     }
+    ++result.entries;
   }
-  return 0;
+  return result;
+}
+
+void WriteForPeople(const CheckResult& result, const std::string& file, bool bSettings) {
+  for (const CheckError& error : result.errors) {
+    Report(error.line > 0 ? fmt::format("{}({}):  {}", file, error.line, error.message)
+                          : fmt::format("{}:  {}", file, error.message));
+  }
+  if (result.errors.size() == kMostErrors)
+    Report(fmt::format("{}: {} errors; the rest is not read", file, kMostErrors));
+  if (bSettings) return;
+  WriteOutput(fmt::format("{}: {} entries, {} {}\n", file, result.entries, result.errors.size(),
+                          result.errors.size() == 1 ? "error" : "errors"));
+}
+
+std::string AsJson(const CheckResult& result, const std::string& file, const std::string& kind) {
+  internal::JsonText json;
+  json.BeginObject().Key("file").Text(file).Key("kind").Text(kind);
+  json.Key("entries").Number(static_cast<size_t>(result.entries)).Key("complete").Bool(result.bComplete);
+  json.Key("errors").BeginArray();
+  for (const CheckError& error : result.errors) {
+    json.BeginObject().Key("line");
+    error.line > 0 ? json.Number(static_cast<size_t>(error.line)) : json.Null();
+    json.Key("message").Text(error.message).EndObject();
+  }
+  return json.EndArray().EndObject().Finish();
 }
 
 int RunCheck(const CheckOptions& options) {
@@ -227,19 +277,22 @@ int RunCheck(const CheckOptions& options) {
     throw UsageError(
         fmt::format("'{}' is not named like a configuration file: say with --as what it is", options.file));
   }
-  int errors = 0;
+  CheckResult result;
   if (name == kSettings) {
-    errors = CheckSettings(options.file);
+    result = CheckSettings(options.file);
   } else {
     // The files that stand beside it go with it.
     if (!ORVGetConfigPath() && path.has_parent_path()) ORVSetConfigPath(path.parent_path().string().c_str());
     if (kind->needs >= 1) ORVKnownEllipsoidsList.Load(nullptr, true);
     if (kind->needs >= 2) ORVKnownDatumsList.Load(nullptr, true);
-    errors = CheckEntries(*kind, options.file);
-    WriteOutput(fmt::format("{}: {} entries, {} {}\n", options.file, kind->count(), errors,
-                            errors == 1 ? "error" : "errors"));
+    result = CheckEntries(*kind, options.file);
   }
-  return errors == 0 ? ExitAllDone : ExitSomeLost;
+  if (options.json) {
+    WriteOutput(AsJson(result, options.file, name));
+  } else {
+    WriteForPeople(result, options.file, name == kSettings);
+  }
+  return result.errors.empty() ? ExitAllDone : ExitSomeLost;
 }
 
 }  // namespace
@@ -253,8 +306,11 @@ void AddCheckCommand(CLI::App& app, int& status) {
   for (const FileKind& kind : kKinds) names.emplace_back(kind.name);
   command->add_option("--as", options->as, "What it is, when its name does not say so")
       ->check(CLI::IsMember(names));
+  command->add_flag("--json", options->json, "As JSON, errors included");
   command->footer(
       "Errors go to standard error, with file and line; an entry with an error is left out and the rest is read.\n"
+      "With --json they stand in the output: an object with file, kind, entries (those without errors), complete (whether\n"
+      "all of the file was read) and errors, an array of objects with line (or null) and message.\n"
       "Entries that name an ellipsoid or a datum look it up in the files beside FILE, or else in the catalogue.\n"
       "Exit status 1 when there is an error.");
   command->callback([options, &status] { status = RunCheck(*options); });

@@ -1,7 +1,8 @@
 #include "tools/orv/ConvertTally.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
+
+#include "orv/convert/internal/JsonText.h"
 
 namespace orv::tool {
 
@@ -9,10 +10,26 @@ namespace {
 
 constexpr size_t kSampleSize = 1000;
 
-using Json = nlohmann::ordered_json;
+/// Members of an object that has begun.
+void Add(internal::JsonText& json, const Fate& fate, const char* number) {
+  json.Key("count").Number(static_cast<size_t>(fate.count)).Key("first").BeginObject();
+  json.Key(number).Number(static_cast<size_t>(fate.first)).Key("message").Text(fate.message).EndObject();
+}
 
-Json FateAsJson(const Fate& fate, const char* number) {
-  return {{"count", fate.count}, {"first", {{number, fate.first}, {"message", fate.message}}}};
+/// Adds an array of the events of one kind.
+void AddEvents(internal::JsonText& json, const char* key, const ConvertTally& tally, bool bLosses,
+               const char* number) {
+  json.Key(key).BeginArray();
+  for (size_t i = 0; i < kConversionEvents; ++i) {
+    const auto event = static_cast<ConversionEvent>(i);
+    if (tally.events[i].count == 0 || ConversionReport::IsLoss(event) != bLosses) continue;
+    json.BeginObject().Key("event").Text(ConversionReport::EventName(event));
+    json.Key("stage").Text(ConversionReport::StageName(ConversionReport::StageOf(event)));
+    json.Key("reason").Text(ConversionReport::Reason(event));
+    Add(json, tally.events[i], number);
+    json.EndObject();
+  }
+  json.EndArray();
 }
 
 }  // namespace
@@ -51,29 +68,24 @@ void ConvertTally::Add(const BlockTally& block, const std::vector<shr::Vec2d>& s
 std::string ReportAsJson(const ConvertTally& tally, const std::string& from, const std::string& to,
                          bool bBinary) {
   const char* const number = bBinary ? "point" : "line";
-  Json json = {{"from", from}, {"to", to}};
-  if (!bBinary) json["lines"] = tally.lines;
-  json["points"] = tally.points;
-  json["placed"] = tally.placed;
-  json["lost"] = tally.Lost();
-  json["doubtful"] = tally.doubtful;
-  for (const char* const list : {"unparsable", "unplaced", "doubts"}) json[list] = Json::array();
+  internal::JsonText json;
+  json.BeginObject().Key("from").Text(from).Key("to").Text(to);
+  if (!bBinary) json.Key("lines").Number(static_cast<size_t>(tally.lines));
+  json.Key("points").Number(static_cast<size_t>(tally.points));
+  json.Key("placed").Number(static_cast<size_t>(tally.placed));
+  json.Key("lost").Number(static_cast<size_t>(tally.Lost()));
+  json.Key("doubtful").Number(static_cast<size_t>(tally.doubtful));
+  json.Key("unparsable").BeginArray();
   for (size_t i = 0; i < kBadLineKinds; ++i) {
     if (tally.bad[i].count == 0) continue;
-    Json one = {{"reason", BadLineName(static_cast<BadLine>(i))}};
-    one.update(FateAsJson(tally.bad[i], number));
-    json["unparsable"].push_back(one);
+    json.BeginObject().Key("reason").Text(BadLineName(static_cast<BadLine>(i)));
+    Add(json, tally.bad[i], number);
+    json.EndObject();
   }
-  for (size_t i = 0; i < kConversionEvents; ++i) {
-    if (tally.events[i].count == 0) continue;
-    const auto event = static_cast<ConversionEvent>(i);
-    Json one = {{"event", ConversionReport::EventName(event)},
-                {"stage", ConversionReport::StageName(ConversionReport::StageOf(event))},
-                {"reason", ConversionReport::Reason(event)}};
-    one.update(FateAsJson(tally.events[i], number));
-    json[ConversionReport::IsLoss(event) ? "unplaced" : "doubts"].push_back(one);
-  }
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  json.EndArray();
+  AddEvents(json, "unplaced", tally, true, number);
+  AddEvents(json, "doubts", tally, false, number);
+  return json.EndObject().Finish();
 }
 
 }  // namespace orv::tool

@@ -16,6 +16,7 @@ struct DefOptions {
   std::string def;
   bool encoded = false;
   bool dump = false;
+  bool json = false;
   bool text = false;  ///< the default
 };
 
@@ -26,6 +27,8 @@ int RunDef(const DefOptions& options) {
     system->EncodeToText(text);
   } else if (options.dump) {
     system->DebugDump(text, 0);
+  } else if (options.json) {
+    text = SystemAsJson(*system);
   } else {
     text = SystemAsParameters(*system);
   }
@@ -46,8 +49,11 @@ void AddDefCommand(CLI::App& app, int& status) {
       command->add_flag("--encoded", options->encoded, "As encoded text, for files and documents");
   auto* const dump =
       command->add_flag("--dump", options->dump, "All fields, for people who look for a mistake");
-  text->excludes(encoded)->excludes(dump);
-  encoded->excludes(dump);
+  auto* const json = command->add_flag("--json", options->json,
+                                       "The parameters as a JSON object; numbers and flags as JSON has them");
+  text->excludes(encoded)->excludes(dump)->excludes(json);
+  encoded->excludes(dump)->excludes(json);
+  dump->excludes(json);
   command->footer(kSystemArgumentHelp);
   command->callback([options, &status] { status = RunDef(*options); });
 }

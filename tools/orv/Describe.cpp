@@ -209,8 +209,12 @@ std::string ForPeople(const Json& description) {
   return text;
 }
 
+std::string JsonOf(const Json& description) {
+  return description.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
 void WriteDescription(const Json& description, bool asJson) {
-  WriteOutput(asJson ? description.dump(2) + '\n' : ForPeople(description));
+  WriteOutput(asJson ? JsonOf(description) : ForPeople(description));
 }
 
 }  // namespace orv::tool

@@ -27,6 +27,8 @@ Json DescribeRoute(const std::vector<DatumStep>& steps);
 /// key, indented.  Ends in a line feed.
 std::string ForPeople(const Json& description);
 
+/// Lines of JSON that end in a line feed; bytes that are no UTF-8 become U+FFFD.
+std::string JsonOf(const Json& description);
 /// Writes a description to standard output: as JSON of several lines, or for people.
 void WriteDescription(const Json& description, bool asJson);
 

@@ -8,6 +8,7 @@
 
 #include "orv/convert/Identify.h"
 #include "orv/system/CSList.h"
+#include "orv/system/ORVDef.h"
 #include "tools/orv/Catalogue.h"
 #include "tools/orv/Command.h"
 #include "tools/orv/Describe.h"
@@ -28,11 +29,15 @@ const char* KindText(SystemMatch::Kind kind) {
   return kind == SystemMatch::Equal ? "equal" : kind == SystemMatch::Alike ? "alike" : "different";
 }
 
-/// "0.00012 m apart", or nothing when it was not measured.
+/// "0.12 mm apart", or nothing when it was not measured.
 std::string DistanceText(double distance) {
   if (std::isnan(distance)) return "";
   if (std::isinf(distance)) return "not the same points have a place";
-  return fmt::format("{:.3g} m apart", distance);
+  const bool bSmall = distance < 0.9995, bLarge = distance >= 999.5;
+  const double number = bSmall ? distance * 1e3 : bLarge ? distance * 1e-3 : distance;
+  const char* const unit = bSmall ? "mm" : bLarge ? "km" : "m";
+  if (bSmall && number < 1.0) return fmt::format("{:.2g} {} apart", number, unit);
+  return fmt::format("{:.{}f} {} apart", number, number < 9.995 ? 2 : number < 99.95 ? 1 : 0, unit);
 }
 
 void WriteForPeople(const std::vector<SystemMatch>& matches) {
@@ -55,6 +60,8 @@ Json ForPrograms(const std::vector<SystemMatch>& matches) {
     const CSDef& known = *ORVKnownSystemsList.Enum(match.position);
     Json json;
     json["token"] = known.GetToken();
+    const int code = known.Type() == CSTypeORV ? static_cast<const ORVDef&>(known).GetPOSC() : 0;
+    if (code != 0) json["code"] = code;
     json["name"] = known.GetName();
     json["match"] = KindText(match.kind);
     if (std::isfinite(match.distance) && match.kind != SystemMatch::Equal) json["distance"] = match.distance;
@@ -76,7 +83,7 @@ int RunIdentify(const IdentifyOptions& options) {
   const std::vector<SystemMatch> matches = ORVIdentifySystem(*system, options.limit);
   const bool isKnown = !matches.empty() && matches.front().kind != SystemMatch::Different;
   if (options.json) {
-    WriteOutput(ForPrograms(matches).dump(2) + '\n');
+    WriteOutput(JsonOf(ForPrograms(matches)));
   } else {
     WriteForPeople(matches);
   }
@@ -102,7 +109,9 @@ void AddIdentifyCommand(CLI::App& app, int& status) {
   command->footer(fmt::format(
       "Each line: token, match, short name.  Match is \"equal\" (the parameters agree), \"alike\" (written otherwise,\n"
       "but points are placed within a millimetre) or \"different\".  With neither of the first two the nearest are\n"
-      "shown with everything in which they differ, and the exit status is 1.\n\n{}",
+      "shown with everything in which they differ, and the exit status is 1.  With --json: an array of objects with token,\n"
+      "code (EPSG, if any), name, match, distance (metres, if measured) and differences, an array of objects with what,\n"
+      "asked and known.\n\n{}",
       kSystemArgumentHelp));
   command->callback([options, &status] { status = RunIdentify(*options); });
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "orv/convert/internal/JsonText.h"
 #include "orv/tables/LatLonText.h"
 #include "tools/orv/Command.h"
 #include "tools/orv/NumberText.h"
@@ -18,7 +19,9 @@ namespace {
 const char* const kLatLonHelp =
     "An angle is a number, or degrees (d, D, the degree sign or --degree behind them), minutes (' or m) and seconds\n"
     "(\" or s), with a sign in front or a hemisphere letter behind: -9.5, 9d30mW, 52d31'12\"N.  S and W make it negative.\n"
-    "Fields are not rounded into each other: 59.9999999 with --dms and two decimals is 59d59m60.00s.";
+    "Fields are not rounded into each other: 59.9999999 with --dms and two decimals is 59d59m60.00s.\n"
+    "With --json: an array of objects with text (as it was given), degrees and written; the latter two are null for what\n"
+    "is not an angle, which makes the exit status 1.";
 
 // The bits of DegreesToLatLon.
 enum Flag : int {
@@ -44,6 +47,7 @@ struct LatLonOptions {
   bool padded = false;
   std::string degree = "d", minute = "m", second = "s";
   std::string flags;
+  bool json = false;
 };
 
 /// "0x1102" or "4354".
@@ -83,11 +87,14 @@ int RunLatLon(const LatLonOptions& o) {
   const char minute = SymbolOf("--minute", o.minute);
   const char second = SymbolOf("--second", o.second);
   int status = ExitAllDone;
+  internal::JsonText json;
+  json.BeginArray();
   for (const std::string& text : o.values) {
     double value = 0.0;
     if (!ParseAngle(text, value) && !LatLonToDegrees(text.c_str(), &value, degree)) {
       Report(fmt::format("'{}' is not an angle", Excerpt(text)));
-      WriteOutput("\n");
+      json.BeginObject().Key("text").Text(text).Key("degrees").Null().Key("written").Null().EndObject();
+      if (!o.json) WriteOutput("\n");
       status = ExitSomeLost;
       continue;
     }
@@ -95,8 +102,11 @@ int RunLatLon(const LatLonOptions& o) {
     if (!DegreesToLatLon(out.data(), value, flags, degree, minute, second)) {
       throw UsageError("the flags 0x40 (plus) and 0x80 (blank) exclude each other");
     }
-    WriteOutput(std::string(out.data()) + "\n");
+    json.BeginObject().Key("text").Text(text).Key("degrees").Number(value);
+    json.Key("written").Text(out.data()).EndObject();
+    if (!o.json) WriteOutput(std::string(out.data()) + "\n");
   }
+  if (o.json) WriteOutput(json.EndArray().Finish());
   return status;
 }
 
@@ -133,6 +143,7 @@ void AddLatLonCommand(CLI::App& app, int& status) {
           ->type_name("NUMBER");
   for (CLI::Option* const other : {seconds, minutes, decimals, letter, positive, spaced, padded})
     flags->excludes(other);
+  command->add_flag("--json", o->json, "As JSON");
   command->footer(kLatLonHelp);
   command->callback([o, &status] { status = RunLatLon(*o); });
 }

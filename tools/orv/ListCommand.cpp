@@ -63,7 +63,7 @@ int RunList(const ListOptions& options) {
       }
     }
   }
-  WriteOutput(options.json ? json.dump(2) + '\n' : text);
+  WriteOutput(options.json ? JsonOf(json) : text);
   if (found > 0) return ExitAllDone;
   Report(words.empty() ? fmt::format("the catalogue has no {}", options.kind)
                        : fmt::format("nothing found among the {}", options.kind));

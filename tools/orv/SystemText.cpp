@@ -1,7 +1,9 @@
 #include "tools/orv/SystemText.h"
 
-#include <fmt/core.h>
+#include <variant>
+#include <vector>
 
+#include "orv/convert/internal/JsonText.h"
 #include "orv/datum/DatumList.h"
 #include "orv/projection/ProjectionDef.h"
 #include "orv/system/ORVDef.h"
@@ -14,23 +16,57 @@ namespace orv::tool {
 
 namespace {
 
-class Lines {
+/// Keys and values in order, for either form.
+class Parameters {
  public:
-  void Add(const std::string& key, const std::string& value) {
-    const bool plain =
-        value.find_first_of(",\"\n\r") == std::string::npos && Trimmed(value).size() == value.size();
-    m_Text += key + '=' + (plain ? value : Quoted(value)) + '\n';
-  }
-  void Add(const std::string& key, double value) { Add(key, ShortestNumber(value)); }
-  void Add(const std::string& key, bool value) { Add(key, std::string(value ? "true" : "false")); }
+  void Add(const std::string& key, const std::string& value) { m_Rows.push_back({key, value}); }
+  void Add(const std::string& key, double value) { m_Rows.push_back({key, value}); }
+  void Add(const std::string& key, bool value) { m_Rows.push_back({key, value}); }
   /// Nothing for an empty text.
   void AddIfAny(const std::string& key, const char* value) {
     if (value && *value != '\0') Add(key, std::string(value));
   }
-  const std::string& Text() const { return m_Text; }
+
+  std::string AsLines() const {
+    std::string text;
+    for (const Row& row : m_Rows) {
+      text += row.key + '=';
+      if (const auto* const words = std::get_if<std::string>(&row.value)) {
+        text += QuotedIfNeeded(*words);
+      } else if (const auto* const number = std::get_if<double>(&row.value)) {
+        text += ShortestNumber(*number);
+      } else {
+        text += std::get<bool>(row.value) ? "true" : "false";
+      }
+      text += '\n';
+    }
+    return text;
+  }
+  std::string AsJson() const {
+    internal::JsonText json;
+    json.BeginObject();
+    for (const Row& row : m_Rows) {
+      json.Key(row.key);
+      if (const auto* const words = std::get_if<std::string>(&row.value)) {
+        json.Text(*words);
+      } else if (const auto* const number = std::get_if<double>(&row.value)) {
+        json.Number(*number);
+      } else {
+        json.Bool(std::get<bool>(row.value));
+      }
+    }
+    return json.EndObject().Finish();
+  }
 
  private:
-  static std::string Quoted(const std::string& value) {
+  struct Row {
+    std::string key;
+    std::variant<std::string, double, bool> value;
+  };
+
+  static std::string QuotedIfNeeded(const std::string& value) {
+    if (value.find_first_of(",\"\n\r") == std::string::npos && Trimmed(value).size() == value.size())
+      return value;
     std::string quoted = "\"";
     for (const char c : value) {
       if (c == '"') quoted += '"';
@@ -39,21 +75,21 @@ class Lines {
     return quoted + '"';
   }
 
-  std::string m_Text;
+  std::vector<Row> m_Rows;
 };
 
 bool SameDimensions(const EllipsoidDef& a, const EllipsoidDef& b) {
   return a.GetMajorRadius() == b.GetMajorRadius() && a.GetFlattening() == b.GetFlattening();
 }
 
-void AddEllipsoid(Lines& lines, const std::string& prefix, const EllipsoidDef& ellipsoid) {
+void AddEllipsoid(Parameters& parameters, const std::string& prefix, const EllipsoidDef& ellipsoid) {
   EllipsoidDef known;
   const bool found = ORVKnownEllipsoidsList.FindByToken(ellipsoid.GetToken(), &known) != 0;
   if (found && SameDimensions(known, ellipsoid)) {
-    lines.Add(prefix + "ellipsoid", std::string(known.GetToken()));
+    parameters.Add(prefix + "ellipsoid", std::string(known.GetToken()));
   } else {
-    lines.Add(prefix + "a", ellipsoid.GetMajorRadius());
-    lines.Add(prefix + "f", ellipsoid.GetFlattening());
+    parameters.Add(prefix + "a", ellipsoid.GetMajorRadius());
+    parameters.Add(prefix + "f", ellipsoid.GetFlattening());
   }
 }
 
@@ -63,24 +99,25 @@ std::string KeyOf(DatumParameterID id) {
   return std::string("datum.") + DatumDef::ParameterShortName(id);
 }
 
-void AddDatumValue(Lines& lines, const std::string& key, const DatumDef& datum, DatumParameterID id) {
+void AddDatumValue(Parameters& parameters, const std::string& key, const DatumDef& datum,
+                   DatumParameterID id) {
   const DatumParameters& p = *datum.GetParameters();
   switch (id) {
     case DatumParameterIDMethod:
-      return lines.AddIfAny(key, DatumDef::MethodToName(p.method));
+      return parameters.AddIfAny(key, DatumDef::MethodToName(p.method));
     case DatumParameterIDTarget:
-      return lines.AddIfAny(key, DatumDef::TargetToName(p.target));
+      return parameters.AddIfAny(key, DatumDef::TargetToName(p.target));
     case DatumParameterIDEllipsoid:
-      return AddEllipsoid(lines, "datum.", p.ellipsoid);
+      return AddEllipsoid(parameters, "datum.", p.ellipsoid);
     case DatumParameterIDEquation:
-      return lines.AddIfAny(key, DatumDef::MRETypeToName(p.mreType));
+      return parameters.AddIfAny(key, DatumDef::MRETypeToName(p.mreType));
     default:
       break;
   }
   if (DatumDef::ParameterDataType(id) == ORVDataTypeIDBool) {
-    lines.Add(key, datum.GetParameter(id) != 0.0);
+    parameters.Add(key, datum.GetParameter(id) != 0.0);
   } else {
-    lines.Add(key, datum.GetParameter(id));
+    parameters.Add(key, datum.GetParameter(id));
   }
 }
 
@@ -92,53 +129,57 @@ bool IsKnown(const DatumDef& datum) {
          known.CompareParameters(&datum) && known.GetParameters()->pmShift == datum.GetParameters()->pmShift;
 }
 
-void AddDatum(Lines& lines, const DatumDef& datum) {
-  if (IsKnown(datum)) return lines.Add("datum", std::string(datum.GetToken()));
-  if (datum.IsUnknown()) return lines.Add("datum.method", std::string("Unknown"));
+void AddDatum(Parameters& parameters, const DatumDef& datum) {
+  if (IsKnown(datum)) return parameters.Add("datum", std::string(datum.GetToken()));
+  if (datum.IsUnknown()) return parameters.Add("datum.method", std::string("Unknown"));
   for (size_t i = 0; i < datum.NumParameters(); ++i) {
     const DatumParameterID id = datum.EnumParameter(i);
-    AddDatumValue(lines, KeyOf(id), datum, id);
+    AddDatumValue(parameters, KeyOf(id), datum, id);
   }
 }
 
-void AddProjection(Lines& lines, const ProjectionDef& projection) {
+void AddProjection(Parameters& parameters, const ProjectionDef& projection) {
   const ProjectionMethod method = projection.GetMethod();
-  lines.Add("method",
-            std::string(method == ProjectionMethodUnprojected ? "geographic"
-                                                              : ProjectionDef::MethodToName(method)));
+  parameters.Add("method",
+                 std::string(method == ProjectionMethodUnprojected ? "geographic"
+                                                                   : ProjectionDef::MethodToName(method)));
   for (size_t i = 0; i < projection.NumParameters(); ++i) {
     const ProjectionParameterID id = projection.EnumParameter(i);
     if (id == ProjectionParameterIDEllipsoid) {
-      AddEllipsoid(lines, "", *projection.GetEllipsoid());
+      AddEllipsoid(parameters, "", *projection.GetEllipsoid());
     } else if (ProjectionDef::ParameterDataType(id) == ORVDataTypeIDBool) {
-      lines.Add(ProjectionDef::ParameterShortName(id), projection.GetParameter(id) != 0.0);
+      parameters.Add(ProjectionDef::ParameterShortName(id), projection.GetParameter(id) != 0.0);
     } else {
-      lines.Add(ProjectionDef::ParameterShortName(id), projection.GetParameter(id));
+      parameters.Add(ProjectionDef::ParameterShortName(id), projection.GetParameter(id));
     }
   }
 }
 
-}  // namespace
-
-std::string SystemAsParameters(const CSDef& system) {
-  Lines lines;
-  lines.AddIfAny("name", system.GetName());
-  lines.AddIfAny("token", system.GetToken());
-  lines.AddIfAny("comment", system.GetComment());
+Parameters ParametersOf(const CSDef& system) {
+  Parameters parameters;
+  parameters.AddIfAny("name", system.GetName());
+  parameters.AddIfAny("token", system.GetToken());
+  parameters.AddIfAny("comment", system.GetComment());
   if (system.Type() == CSTypeORV) {
     const auto& def = static_cast<const ORVDef&>(system);
-    if (def.GetProjection()) AddProjection(lines, *def.GetProjection());
-    if (def.GetDatum()) AddDatum(lines, *def.GetDatum());
+    if (def.GetProjection()) AddProjection(parameters, *def.GetProjection());
+    if (def.GetDatum()) AddDatum(parameters, *def.GetDatum());
   } else {
     const auto& local = static_cast<const UCSDef&>(system);
     shr::Vec2d origin;
     local.GetOrigin(origin);
-    lines.Add("local.scale", local.GetScale());
-    lines.Add("local.xOrg", origin.x);
-    lines.Add("local.yOrg", origin.y);
+    parameters.Add("local.scale", local.GetScale());
+    parameters.Add("local.xOrg", origin.x);
+    parameters.Add("local.yOrg", origin.y);
   }
-  if (system.HasWarp()) lines.AddIfAny("warp.method", system.GetWarp()->MethodName());
-  return lines.Text();
+  if (system.HasWarp()) parameters.AddIfAny("warp.method", system.GetWarp()->MethodName());
+  return parameters;
 }
+
+}  // namespace
+
+std::string SystemAsParameters(const CSDef& system) { return ParametersOf(system).AsLines(); }
+
+std::string SystemAsJson(const CSDef& system) { return ParametersOf(system).AsJson(); }
 
 }  // namespace orv::tool

@@ -13,5 +13,7 @@ namespace orv::tool {
 /// equal, in the sense of CSDef::Compare.  A local system and a warp are shown with keys that are not read.
 /// Needs LoadCatalogue: known ellipsoids and datums are named by their tokens.
 std::string SystemAsParameters(const CSDef& system);
+/// The same as a JSON object: the keys, with numbers and flags as JSON has them and all else as text.
+std::string SystemAsJson(const CSDef& system);
 
 }  // namespace orv::tool

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "orv/core/Export.h"
+
 namespace orv::internal {
 
 /// Builds one JSON text, indented by two blanks.  Members and values come in the order of the calls, which must be
@@ -14,7 +16,7 @@ namespace orv::internal {
 /// Texts are taken as UTF-8: quotes, backslashes and control characters are escaped, and a byte that is no part of
 /// well-formed UTF-8 becomes U+FFFD, so that any text gives valid JSON.  A number that is not finite, which JSON does
 /// not have, is null.
-class JsonText {
+class ORV_API JsonText {
  public:
   JsonText& BeginObject() { return Begin('{'); }
   JsonText& EndObject() { return End('}'); }
