@@ -394,11 +394,15 @@ std::unique_ptr<CSDef> SystemFromFile(const std::string& file) {
 
 std::unique_ptr<CSDef> Read(const std::string& text) {
   if (text.empty()) throw Refusal("the definition is empty");
-  if (const Form* const form = FormOf(text)) return form->read(text);
+  std::error_code ignored;  // a text that can be no path names no file
+  if (const Form* const form = FormOf(text)) {
+    // A path may hold "=" too.
+    const bool isFile = form->read == SystemFromParameters && std::filesystem::is_regular_file(text, ignored);
+    return isFile ? SystemFromFile(text) : form->read(text);
+  }
   if (const int index = ORVFindKnown(KnownListSystems, text); index != 0) {
     return std::unique_ptr<CSDef>(ORVKnownSystemsList.Enum(index)->Clone());
   }
-  std::error_code ignored;  // a text that can be no path names no file
   if (std::filesystem::exists(text, ignored)) return SystemFromFile(text);
   throw Refusal("%s; and there is no such file", ORVUnknownText(KnownListSystems, text));
 }

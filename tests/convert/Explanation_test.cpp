@@ -11,6 +11,7 @@
 #include "orv/core/internal/Marker.h"
 #include "tests/support/Raises.h"
 #include "tests/support/ShippedCatalogue.h"
+#include "tests/support/TempFolder.h"
 
 namespace orv {
 namespace {
@@ -40,7 +41,8 @@ TEST_F(ExplanationTest, DatumsThatCountAsOneAreNamedWithWhatIsStatedOfThem) {
       told.notes[0].find("The datums count as one, nothing is shifted between them: European Terrestrial"),
       0u)
       << told.notes[0];
-  EXPECT_NE(told.notes[0].find("(ORV:6258; EPSG operation 1149: ETRS89 to WGS 84 (1); accuracy: 1 m)"), std::string::npos)
+  EXPECT_NE(told.notes[0].find("(ORV:6258; EPSG operation 1149: ETRS89 to WGS 84 (1); accuracy: 1 m)"),
+            std::string::npos)
       << told.notes[0];
   EXPECT_NE(told.notes[0].find("World Geodetic System 1984 (EPSG:6326"), std::string::npos) << told.notes[0];
   EXPECT_TRUE(Conversion::Create("EPSG:4326", "EPSG:32633").Explain().notes.empty());  // one datum
@@ -62,6 +64,12 @@ TEST_F(ExplanationTest, TwoDatumsOfWhichNothingIsKnownAreNotOne) {
   EXPECT_EQ(Conversion::Create(bessel, "+proj=merc +ellps=bessel +type=crs").Stages().size(), 1u);
   EXPECT_THROW(Conversion::Create(bessel, "+proj=longlat +ellps=clrk66 +type=crs"), shr::Exception);
   EXPECT_THROW(Conversion::Create(bessel, "EPSG:4286"), shr::Exception);
+}
+
+TEST_F(ExplanationTest, APathMayHoldAnEqualsSign) {
+  const test::TempFolder folder;
+  const std::string path = folder.Write("a=b.def", "method=UTM,Lon0=9,datum=EPSG:6326");
+  EXPECT_EQ(Conversion::Create("EPSG:4326", path).Stages().size(), 1u);
 }
 
 TEST_F(ExplanationTest, AnglesInGradsAndRadiansAreLongitudesAndLatitudesToo) {

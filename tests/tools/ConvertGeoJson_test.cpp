@@ -119,8 +119,10 @@ TEST(OrvConvertGeoJson, PositionsWithoutAPlaceAreLeftOutAndTold) {
       result.err,
       "orv: feature 1: 1 position has no place in the target system and is left out\n"
       "orv: feature 2: 2 positions have no place in the target system and are left out\n"
-      "orv: feature 3: 1 position has no place in the target system and is left out\n"
-      "orv: feature 4: 5 positions have no place in the target system and are left out\n"
+      "orv: feature 3: 1 position has no place in the target system and is left out, and 1 more with the lines or rings "
+      "that are left too short\n"
+      "orv: feature 4: 5 positions have no place in the target system and are left out, and 1 more with the lines or rings "
+      "that are left too short\n"
       "orv: most lost points would have a place with their coordinates exchanged: GeoJSON has longitude or easting "
       "first\n");
   EXPECT_EQ(
@@ -134,6 +136,86 @@ TEST(OrvConvertGeoJson, PositionsWithoutAPlaceAreLeftOutAndTold) {
   EXPECT_EQ(json["points"], 15);
   EXPECT_EQ(json["lost"], 9);
   EXPECT_EQ(json["unplaced"][0]["first"]["point"], 1);
+}
+
+TEST(OrvConvertGeoJson, WhatIsNotCutKeepsAllThatItHolds) {
+  // Clipping is on: numbers behind x and y and other members stay as they are written.
+  const std::string line =
+      R"({"type":"LineString","coordinates":[[13.5,52.5,100.10],[13.5,52.5,7e0,123456789012345678901]],"measure":"m\u00e4"})";
+  EXPECT_EQ(
+      Convert(line, kDegrees, kUtm33, {"-p", "2"}).out,
+      R"({"type":"LineString","coordinates":[[398178.40,5817709.53,100.10],[398178.40,5817709.53,7e0,123456789012345678901]],)"
+      R"("measure":"m\u00e4"})");
+  // An empty geometry stays one, clipped or not.
+  for (const bool bClip : {true, false}) {
+    std::vector<std::string> options = {"-p", "2"};
+    if (!bClip) options.emplace_back("--no-clip");
+    for (const char* const empty :
+         {R"({"type":"LineString","coordinates":[]})", R"({"type":"MultiPolygon","coordinates":[]})",
+          R"({"type":"GeometryCollection","geometries":[]})"}) {
+      EXPECT_EQ(Convert(empty, kDegrees, kUtm33, options).out, empty);
+    }
+  }
+}
+
+TEST(OrvConvertGeoJson, WhatIsCutLosesItsHeightsAndSaysSo) {
+  const std::string line = R"({"type":"LineString","coordinates":[[170,1,5.5],[190,1,6.5]],"id":"x"})";
+  const Result cut = Convert(line, kSphere, kMercatorOfDegrees, {"-p", "0"});
+  EXPECT_EQ(cut.status, 0);
+  EXPECT_EQ(cut.out,
+            R"({"type":"MultiLineString","coordinates":[[[170,1],[180,1]],[[-180,1],[-170,1]]],"id":"x"})");
+  EXPECT_EQ(
+      cut.err,
+      "orv: feature 1: it was cut, and the heights of its positions are left out; --no-clip keeps them\n"
+      "orv: 0 lines and polygons whole, 1 clipped, 1 of them split, 0 dropped\n");
+}
+
+TEST(OrvConvertGeoJson, TheReportTellsWhatWasCutOff) {
+  // Of a globe seen from 0, 0 the far side is cut off; a latitude beyond the pole is lost all the same.
+  const char* const kGlobe = "method=Ortho,Lon0=0,Lat0=0,a=6371000,f=0";
+  const std::string input =
+      R"({"type":"FeatureCollection","features":[)"
+      R"({"type":"Feature","geometry":{"type":"LineString","coordinates":[[0,0],[10,0],[170,0]]}},)"
+      R"({"type":"Feature","geometry":{"type":"Polygon","coordinates":[[[170,0],[175,0],[175,5],[170,0]]]}},)"
+      R"({"type":"Feature","geometry":{"type":"LineString","coordinates":[[0,0],[10,0],[10,95]]}}]})";
+  const ScratchFile report;
+  const Result result =
+      Convert(input, "method=geographic,a=6371000,f=0", kGlobe, {"-p", "0", "--report", report.Path()});
+  EXPECT_EQ(result.status, 1);
+  const nlohmann::json json = nlohmann::json::parse(Content(report.Path()));
+  EXPECT_EQ(json["points"], 10);
+  EXPECT_EQ(json["placed"], 4);
+  EXPECT_EQ(json["cutOff"], 5);
+  EXPECT_EQ(json["lost"], 1);
+  EXPECT_EQ(json["unplaced"].size(), 1u);
+  EXPECT_EQ(json["unplaced"][0]["event"], "latitude");
+
+  // Far from the meridian of a series: noted though nothing is cut.
+  Convert(R"({"type":"LineString","coordinates":[[35,50],[36,50]]})", kDegrees, kUtm33,
+          {"--report", report.Path()});
+  EXPECT_EQ(nlohmann::json::parse(Content(report.Path()))["doubtful"], 2);
+}
+
+TEST(OrvConvertGeoJson, DeepNestingIsRefusedAndAByteOrderMarkSkipped) {
+  const auto nested = [](int levels) {
+    std::string text;
+    for (int i = 0; i < levels; ++i) text += R"({"type":"GeometryCollection","geometries":[)";
+    text += R"({"type":"Point","coordinates":[13.5,52.5]})";
+    for (int i = 0; i < levels; ++i) text += "]}";
+    return text;
+  };
+  EXPECT_EQ(Convert(nested(90), kDegrees, kUtm33).status, 0);  // two levels each
+  for (const std::string& text :
+       {nested(101), nested(200000), R"({"type":"Point","x":)" + std::string(1000000, '[')}) {
+    const Result result = Convert(text, kDegrees, kUtm33);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "orv: '-': nested deeper than 200 levels\n");
+  }
+  EXPECT_EQ(Convert("\xEF\xBB\xBF"
+                    R"({"type":"Point","coordinates":[13.5,52.5]})",
+                    kDegrees, kUtm33, {"-p", "2"})
+                .out,
+            R"({"type":"Point","coordinates":)" + kPlace + "}");
 }
 
 TEST(OrvConvertGeoJson, GoesByTheNameOfTheFile) {
@@ -152,6 +234,7 @@ TEST(OrvConvertGeoJson, SaysWhatIsWrong) {
     const char *text, *message;
   } kRows[] = {
       {"{\"type\":", "orv: '-': no JSON at byte 9\n"},
+      {R"({"type":"Point","x":1e400,"coordinates":[1,2]})", "orv: '-': a number beyond 1.8e308 at byte 25\n"},
       {"[1]", "it holds something without a type, which GeoJSON objects have"},
       {"{\"type\":1}", "it holds something without a type, which GeoJSON objects have"},
       {R"({"type":"Feature"})", "a feature has no geometry"},

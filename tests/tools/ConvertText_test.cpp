@@ -109,4 +109,17 @@ TEST(OrvConvertText, QuietLeavesTheMessagesOutButNotTheStatus) {
   EXPECT_EQ(RunOrv({"--quiet", "convert", "-f", kGeographic, "-t", kUtm33}, "x 1\n2 2\n").err, "");
 }
 
+TEST(OrvConvertText, GradsAndRadiansAreAnglesToo) {
+  // EPSG:4807 counts grads from Paris, 2.33722917 degrees east of Greenwich; EPSG:4275 is the same datum in degrees.
+  const Result grads = Convert("EPSG:4275", "ORV:4807", "2.33722917,49.5\n3.23722917,-45\n");
+  EXPECT_EQ(grads.err, "");
+  EXPECT_EQ(grads.out, "0.000000000,55.000000000\n1.000000000,-50.000000000\n");
+  EXPECT_EQ(Convert("ORV:4807", "EPSG:4275", "55,1\n", {"--lat-first"}).out, "49.500000000,3.237229170\n");
+  const Result beyond = Convert("ORV:4807", "EPSG:4275", "0,99.5\n0,100.5\n9d30m,1\n1,1\n2,2\n");
+  EXPECT_EQ(beyond.status, 1);
+  EXPECT_EQ(beyond.err,
+            "orv: line 2: latitude 100.5 is beyond 90 degrees\n"
+            "orv: line 3: '9d30m' is not a number\n");
+}
+
 }  // namespace

@@ -20,6 +20,10 @@ class Conversion {
 
   bool FromGeographic() const { return m_Conversion.FromGeographic(); }
   bool ToGeographic() const { return m_Conversion.ToGeographic(); }
+  double FromAngleUnit() const { return m_Conversion.FromAngleUnit(); }
+  double ToAngleUnit() const { return m_Conversion.ToAngleUnit(); }
+  /// The largest latitude of the source, in its unit, when that is geographic.
+  double Pole() const { return 90.0 / m_Conversion.FromAngleUnit(); }
 
  private:
   orv::Conversion m_Conversion;

@@ -96,7 +96,7 @@ void Work(Job& job, bool bLatFirst, const Conversion& conversion) {
     PutLittleEndian(to + 8, bSwap ? point.x : point.y);
     if (!IsLost(point)) continue;
     const shr::Vec2d& source = job.sources[i];
-    const bool bBeyond = conversion.FromGeographic() && std::fabs(source.y) > 90.0;
+    const bool bBeyond = conversion.FromGeographic() && std::fabs(source.y) > conversion.Pole();
     job.tally.lost.push_back(
         {static_cast<uint32_t>(i), false, BadLine::BeyondPole, true, source,
          bBeyond ? fmt::format("latitude {} is beyond 90 degrees", source.y) : kNoPlace});

@@ -37,8 +37,9 @@ const char* const kTextHelp =
     "A line that does not parse, or a point that has no place in the target system, is reported as \"orv: line N: ...\",\n"
     "is written with empty coordinates (\"\" between blanks), and makes the exit status 1; nothing is dropped.\n"
     "GeoJSON: geometries are converted, all else stays as it was, but for bbox and crs, which are left out.  Lines and\n"
-    "polygons are clipped to what the target's projection shows (--no-clip: not); a position that has no place is left\n"
-    "out and reported, and makes the exit status 1.  The whole file is held in memory.\n"
+    "polygons are clipped to what the target's projection shows (--no-clip: not); what is cut off is no loss, and one that\n"
+    "is cut loses its heights, which is told.  A position that has no place is left out and reported, and makes the exit\n"
+    "status 1.  The whole file is held in memory.\n"
     "Binary: pairs of little-endian 64-bit floating-point numbers, x then y; a point without a result is NaN NaN and\n"
     "is reported as \"orv: point N: ...\".\n";
 
@@ -79,12 +80,16 @@ std::unique_ptr<CSDef> ReadSide(const char* option, const std::string& text) {
 }
 
 int DecimalsOf(const ConvertOptions& options, const Conversion& conversion) {
-  return options.precision >= 0 ? options.precision : conversion.ToGeographic() ? 9 : 4;
+  if (options.precision >= 0) return options.precision;
+  if (!conversion.ToGeographic()) return 4;
+  return conversion.ToAngleUnit() > 10.0 ? 11 : 9;  // radians: 0.06 mm
 }
 
 TextOptions TextOptionsOf(const ConvertOptions& options, const Conversion& conversion) {
   TextOptions form;
   form.fromGeographic = conversion.FromGeographic();
+  form.fromDegrees = conversion.FromAngleUnit() == 1.0;
+  if (form.fromGeographic) form.pole = conversion.Pole();
   form.toGeographic = conversion.ToGeographic();
   form.latFirst = options.latFirst;
   form.decimals = DecimalsOf(options, conversion);

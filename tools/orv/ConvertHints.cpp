@@ -49,7 +49,8 @@ std::string NoPoints(const HintQuestion& question) {
 
 void GuessCoordinates(const HintQuestion& question, std::vector<std::string>& hints) {
   const ConvertTally& tally = question.tally;
-  if (IsMeasuredOnEarth(question.from) && tally.likeDegrees > 0 && tally.likeDegrees == tally.points &&
+  if (!question.conversion.FromGeographic() && IsMeasuredOnEarth(question.from) && tally.likeDegrees > 0 &&
+      tally.likeDegrees == tally.points &&
       std::any_of(tally.sample.begin(), tally.sample.end(),
                   [](const auto& p) { return p.x != 0.0 || p.y != 0.0; })) {
     hints.push_back(

@@ -45,7 +45,8 @@ void Fate::Add(uint64_t number, const std::string& text, uint64_t howMany) {
 void ConvertTally::Add(const BlockTally& block, const std::vector<shr::Vec2d>& sources, uint64_t before) {
   lines += block.lines;
   points += block.points;
-  placed += block.points - block.lost.size();
+  placed += block.points - block.lost.size() - block.cutOff;
+  cutOff += block.cutOff;
   doubtful += block.report.Doubtful();
   likeDegrees += block.likeDegrees;
   converting += block.converting;
@@ -60,6 +61,8 @@ void ConvertTally::Add(const BlockTally& block, const std::vector<shr::Vec2d>& s
   }
   for (size_t i = 0; i < events.size(); ++i) {
     const auto event = static_cast<ConversionEvent>(i);
+    const bool bShown = event == ConversionLostDestArea || event == ConversionLostDestProjection;
+    if (bShown && block.cutOff > 0) continue;
     const size_t count = block.report.Tally(event).count;
     if (count > 0) events[i].Add(before + block.firstPlace[i] + 1, ConversionReport::Reason(event), count);
   }
@@ -75,6 +78,7 @@ std::string ReportAsJson(const ConvertTally& tally, const std::string& from, con
   json.Key("placed").Number(static_cast<size_t>(tally.placed));
   json.Key("lost").Number(static_cast<size_t>(tally.Lost()));
   json.Key("doubtful").Number(static_cast<size_t>(tally.doubtful));
+  if (tally.cutOff > 0) json.Key("cutOff").Number(static_cast<size_t>(tally.cutOff));
   json.Key("unparsable").BeginArray();
   for (size_t i = 0; i < kBadLineKinds; ++i) {
     if (tally.bad[i].count == 0) continue;

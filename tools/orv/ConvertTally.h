@@ -36,6 +36,8 @@ struct LostPoint {
 struct BlockTally {
   uint64_t lines = 0;   ///< all lines; 0 for binary data
   uint64_t points = 0;  ///< lines with coordinates, or that should have them
+  uint64_t cutOff =
+      0;  ///< lost in the destination projection on purpose: parts of a geometry that was clipped
   std::vector<LostPoint> lost;
   ConversionReport report;  ///< of the points that were converted
   /// Where the first point with each event of the report stands, from 0, in the block.
@@ -49,6 +51,7 @@ struct ConvertTally {
   uint64_t lines = 0;
   uint64_t points = 0;
   uint64_t placed = 0;
+  uint64_t cutOff = 0;                  ///< by clipping; neither placed nor lost
   uint64_t doubtful = 0;                ///< placed, but with one of the report's notes
   std::array<Fate, kBadLineKinds> bad;  ///< but for BeyondPole, which is the event ConversionLostLatitude
   std::array<Fate, kConversionEvents> events;
@@ -57,7 +60,7 @@ struct ConvertTally {
   std::vector<shr::Vec2d> sample;      ///< the first thousand points that were converted, before that
   std::chrono::steady_clock::duration converting{};
 
-  uint64_t Lost() const { return points - placed; }
+  uint64_t Lost() const { return points - placed - cutOff; }
   /// Adds the block that follows.
   ///
   /// @param before  lines, or points of binary data, in front of it.
@@ -65,7 +68,7 @@ struct ConvertTally {
   void Add(const BlockTally& block, const std::vector<shr::Vec2d>& sources, uint64_t before);
 };
 
-/// The report as a JSON object: from, to, lines (of text), points, placed, lost, doubtful; and three arrays, unparsable,
+/// The report as a JSON object: from, to, lines (of text), points, placed, lost, doubtful, cutOff (where any are); and three arrays, unparsable,
 /// unplaced and doubts, of objects with reason, count and first, which has line (or point) and message; those of the
 /// latter two also have event and stage, in the words of ConversionReport.
 std::string ReportAsJson(const ConvertTally& tally, const std::string& from, const std::string& to,

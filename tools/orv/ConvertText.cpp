@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <vector>
 
 #include "tools/orv/Command.h"
@@ -22,6 +23,7 @@ using Clock = std::chrono::steady_clock;
 
 struct Job {
   TextBlock text;
+  std::shared_ptr<const TextForm> shape;
   std::vector<shr::Vec2d> sources;  ///< the points before their conversion
   BlockTally tally;
 };
@@ -80,13 +82,20 @@ void ConvertText(InputFile& input, TextForm& form, const Conversion& conversion,
   Progress progress(input.Size(), !IsQuiet() && ErrorIsTerminal());
   uint64_t bytes = 0;
 
+  // The form as the blocks that are read now need it: those in front of the first line may be worked on while that is found.
+  std::shared_ptr<const TextForm> shape;
   Pipeline<Job> pipeline;
   pipeline.read = [&](Job& job) {
     if (!source.Next(job.text.input)) return false;
-    job.text.start = form.HasBegun() ? TextForm::Start{0, 0} : form.Begin(job.text.input.View());
+    job.text.start = TextForm::Start{0, 0};
+    if (!form.HasBegun()) {
+      job.text.start = form.Begin(job.text.input.View());
+      shape = std::make_shared<const TextForm>(form);
+    }
+    job.shape = shape;
     return true;
   };
-  pipeline.work = [&](Job& job) { Work(job, form, conversion); };
+  pipeline.work = [&](Job& job) { Work(job, *job.shape, conversion); };
   pipeline.write = [&](Job& job) {
     WriteDirectly(job.text.output.Data(), job.text.output.Size());
     bytes += job.text.input.Size();

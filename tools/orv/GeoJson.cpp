@@ -4,6 +4,8 @@
 #include <nlohmann/json.hpp>
 
 #include "tools/orv/Command.h"
+#include "tools/orv/JsonMembers.h"
+#include "tools/orv/NumberText.h"
 
 namespace orv::tool {
 
@@ -94,7 +96,11 @@ void AppendLine(std::string& text, const Line& line, bool bClose, int decimals) 
   const bool bOpen = bClose && (line.front().x != line.back().x || line.front().y != line.back().y);
   for (size_t i = 0; i < line.size() + (bOpen ? 1 : 0); ++i) {
     const shr::Vec2d& p = line[i % line.size()];
-    text += fmt::format("{}[{:.{}f},{:.{}f}]", i == 0 ? "" : ",", p.x, decimals, p.y, decimals);
+    text += i == 0 ? "[" : ",[";
+    AppendFixed(text, p.x, decimals);
+    text += ',';
+    AppendFixed(text, p.y, decimals);
+    text += ']';
   }
   text += ']';
 }
@@ -123,13 +129,7 @@ std::string Many(const char* name, const List& list, Append append) {
 
 std::vector<GeoFeature> ReadGeoJson(const std::string& text, const std::string& name) {
   std::vector<GeoFeature> features;
-  Json json;
-  try {
-    json = Json::parse(text);
-  } catch (const Json::parse_error& e) {
-    Fail(name, fmt::format("no JSON at byte {}", e.byte));
-  }
-  Reader(name).Object(json, features);
+  Reader(name).Object(Json::parse(CheckedJson(text, name)), features);
   return features;
 }
 

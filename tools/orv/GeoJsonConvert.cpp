@@ -2,8 +2,8 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -18,8 +18,6 @@
 namespace orv::tool {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 const ORVDef* Projected(const CSDef& system) {
   const ORVDef* const def = system.Type() == CSTypeORV ? static_cast<const ORVDef*>(&system) : nullptr;
@@ -37,9 +35,14 @@ int DepthOf(std::string_view type) {
 /// Converts geometries and counts.
 class GeometryConverter {
  public:
-  GeometryConverter(const std::string& name, const CSDef& from, const CSDef& to,
+  GeometryConverter(std::string_view text, const std::string& name, const CSDef& from, const CSDef& to,
                     const GeoJsonOptions& options, ConvertTally& tally, ClipTally& clipped)
-      : m_Name(name), m_Options(options), m_Direct(from, to), m_Tally(tally), m_Clipped(clipped) {
+      : m_Text(text),
+        m_Name(name),
+        m_Options(options),
+        m_Direct(from, to),
+        m_Tally(tally),
+        m_Clipped(clipped) {
     const ORVDef* const target = Projected(to);
     if (!options.bClip || !target) return;
     const ProjectionDef unprojected(ProjectionMethodUnprojected);
@@ -47,148 +50,268 @@ class GeometryConverter {
     m_pClip = std::make_unique<MapClip>(to);
   }
 
-  /// The text of the geometry that comes of a geometry's text; "null" when nothing is left.
-  std::string Convert(std::string_view text) {
-    const std::string converted = Geometry(Json::parse(text));
+  /// The text of the geometry that comes of the one at a place; "null" when nothing is left.
+  std::string Convert(JsonSpan span) {
+    m_Losses = {};
+    const std::string converted = Geometry(span.begin);
     return converted.empty() ? "null" : converted;
   }
 
-  uint64_t LostHere() {
-    const uint64_t lost = m_Lost;
-    m_Lost = 0;
-    return lost;
-  }
+  /// What the last Convert has left out.
+  struct Losses {
+    uint64_t lost = 0;       ///< positions without a place
+    uint64_t goneAlong = 0;  ///< placed ones of lines and rings of which too few are left
+    uint64_t flattened =
+        0;  ///< geometries that were cut and have lost what their positions held behind x and y
+  };
+  const Losses& LossesHere() const { return m_Losses; }
 
  private:
+  /// The positions of a geometry: lines or rings, by polygons; those of other types are one "polygon".
+  using Parts = std::vector<std::vector<Line>>;
+
   [[noreturn]] void Fail(const std::string& what) const {
     throw UsageError(fmt::format("'{}': {}", m_Name, what));
   }
 
-  std::string Geometry(const Json& geometry) {
-    if (!geometry.is_object() || !geometry.contains("type") || !geometry["type"].is_string()) {
+  std::string_view At(JsonSpan span) const { return m_Text.substr(span.begin, span.end - span.begin); }
+
+  std::string Geometry(size_t at) {
+    const std::vector<JsonMember> members = JsonMembersOf(m_Text, at);
+    const JsonMember* const typeMember = Find(members, "type");
+    if (!typeMember || m_Text[typeMember->value.begin] != '"') {
       Fail("it holds something without a type, which GeoJSON objects have");
     }
-    const std::string type = geometry["type"];
-    if (type == "GeometryCollection") return Collection(geometry);
+    const std::string_view quoted = At(typeMember->value), type = quoted.substr(1, quoted.size() - 2);
+    if (type == "GeometryCollection") return Collection(members);
     const int depth = DepthOf(type);
     if (depth < 0) Fail(fmt::format("'{}' is no type of GeoJSON", Excerpt(type)));
-    if (!geometry.contains("coordinates") || !geometry["coordinates"].is_array())
-      Fail("coordinates are missing");
-    if (m_pClip && type != "Point" && type != "MultiPoint") return Clipped(geometry);
-    return Direct(geometry, type, depth);
+    const JsonMember* const coordinates = Find(members, "coordinates");
+    if (!coordinates || m_Text[coordinates->value.begin] != '[') Fail("coordinates are missing");
+
+    m_HasMore = false;
+    Parts parts = PartsOf(coordinates->value, depth);
+    const bool bRings = type == "Polygon" || type == "MultiPolygon";
+    std::vector<shr::Vec2d> points;
+    for (const std::vector<Line>& lines : parts) {
+      for (const Line& line : lines) points.insert(points.end(), line.begin(), line.end());
+    }
+    if (points.empty()) return Copied(members, At(coordinates->value));  // an empty geometry stays one
+    if (m_pClip && type != "Point" && type != "MultiPoint") {
+      ClipTally tally;
+      const bool bWhole = Cut(parts, bRings, tally);
+      for (size_t ClipTally::*const count :
+           {&ClipTally::whole, &ClipTally::clipped, &ClipTally::split, &ClipTally::dropped})
+        m_Clipped.*count += tally.*count;
+      if (!bWhole) return OfShape(members, points, bRings, std::move(parts));
+    }
+    Count(points, false);
+    const uint64_t lostBefore = m_Losses.lost;
+    size_t next = 0;
+    m_Written = 0;
+    const size_t least = bRings ? 4 : type == "MultiPoint" || type == "Point" ? 1 : 2;
+    const std::string written = Written(coordinates->value, depth, least, points, next);
+    m_Losses.lost += static_cast<uint64_t>(std::count_if(points.begin(), points.end(), &IsLost));
+    m_Losses.goneAlong += points.size() - (m_Losses.lost - lostBefore) - m_Written;
+    return written.empty() ? "" : Copied(members, written);
   }
 
-  std::string Collection(const Json& collection) {
-    if (!collection.contains("geometries") || !collection["geometries"].is_array())
-      Fail("geometries are missing");
+  static const JsonMember* Find(const std::vector<JsonMember>& members, std::string_view key) {
+    const JsonMember* found = nullptr;
+    for (const JsonMember& member : members) {
+      if (member.key == key) found = &member;  // of several the last holds
+    }
+    return found;
+  }
+
+  std::string Collection(const std::vector<JsonMember>& members) {
+    const JsonMember* const geometries = Find(members, "geometries");
+    if (!geometries || m_Text[geometries->value.begin] != '[') Fail("geometries are missing");
     std::string parts;
-    for (const Json& part : collection["geometries"]) {
-      const std::string text = Geometry(part);
+    bool bNone = true;
+    for (const JsonSpan& part : JsonElementsOf(m_Text, geometries->value.begin)) {
+      bNone = false;
+      const std::string text = Geometry(part.begin);
       if (!text.empty()) parts += (parts.empty() ? "" : ",") + text;
     }
-    return parts.empty() ? "" : R"({"type":"GeometryCollection","geometries":[)" + parts + "]}";
+    return parts.empty() && !bNone ? "" : Copied(members, "[" + parts + "]", "geometries");
   }
 
-  std::string Clipped(const Json& geometry) {
-    GeoShape shape = ReadGeoJson(geometry.dump(), m_Name).front().shape;
-    for (Line& line : shape.lines) ToMapDatum(line, 2);
-    std::erase_if(shape.lines, [](const Line& line) { return line.size() < 2; });
-    for (std::vector<Line>& rings : shape.polygons) {
-      for (Line& ring : rings) ToMapDatum(ring, 4);
-      // Without its outline a polygon's holes mean nothing.
-      if (!rings.empty() && rings.front().empty()) rings.clear();
-      std::erase_if(rings, [](const Line& ring) { return ring.empty(); });
-    }
-    std::erase_if(shape.polygons, [](const auto& rings) { return rings.empty(); });
-    const size_t lostBefore = m_Clipped.lost;
-    shape = m_pClip->Clip(shape, m_Clipped, nullptr);
-    const size_t lost = m_Clipped.lost - lostBefore;
-    m_Lost += lost;
-    m_Tally.placed -= std::min<uint64_t>(lost, m_Tally.placed);
-    const std::string text = WriteGeoGeometry(shape, m_Options.decimals);
-    return text == "null" ? "" : text;
-  }
-
-  /// @param least  points that a line or ring needs; with fewer it becomes empty.
-  void ToMapDatum(Line& line, size_t least) {
-    Count(*m_ToMapDatum, line);
-    const size_t before = line.size();
-    std::erase_if(line, &IsLost);
-    if (line.size() != before && line.size() < least) line.clear();
-  }
-
-  /// Converts, counts and adds to the report.
-  void Count(const Conversion& conversion, std::vector<shr::Vec2d>& points) {
-    const std::vector<shr::Vec2d> sources = points;
-    BlockTally block;
-    conversion.Convert(points.data(), points.size(), block.report);
-    block.points = points.size();
-    for (size_t i = 0; i < points.size(); ++i) {
-      if (!IsLost(points[i])) continue;
-      block.lost.push_back({static_cast<uint32_t>(i), false, BadLine::NoNumber, true, sources[i], ""});
-    }
-    for (size_t i = 0; i < kConversionEvents; ++i) {
-      block.firstPlace[i] = static_cast<uint32_t>(block.report.Tally(static_cast<ConversionEvent>(i)).first);
-    }
-    m_Lost += block.lost.size();
-    m_Tally.Add(block, sources, m_Tally.points);
-  }
-
-  // ---- position by position
-
-  std::string Direct(const Json& geometry, const std::string& type, int depth) {
-    std::vector<shr::Vec2d> points;
-    Collect(geometry["coordinates"], depth, points);
-    Count(m_Direct, points);
-    size_t next = 0;
-    const bool bRings = type == "Polygon" || type == "MultiPolygon";
-    const std::string coordinates = Written(geometry["coordinates"], depth,
-                                            bRings                 ? 4
-                                            : type == "MultiPoint" ? 1
-                                                                   : 2,
-                                            points, next);
-    if (coordinates.empty()) return "";
+  /// The geometry with other coordinates, and all else as it was.
+  std::string Copied(const std::vector<JsonMember>& members, std::string_view coordinates,
+                     std::string_view key = "coordinates") const {
     std::string text = "{";
-    for (const auto& [key, value] : geometry.items()) {
-      if (key == "bbox" || key == "crs") continue;
-      text += (text.size() > 1 ? "," : "") + Json(key).dump() + ":" +
-              (key == "coordinates" ? coordinates : value.dump());
+    for (const JsonMember& member : members) {
+      if (member.key == "bbox" || member.key == "crs") continue;
+      if (text.size() > 1) text += ',';
+      text += '"';
+      text += member.key;
+      text += "\":";
+      text += member.key == key ? coordinates : At(member.value);
     }
     return text + "}";
   }
 
-  void Collect(const Json& coordinates, int depth, std::vector<shr::Vec2d>& points) const {
-    if (depth > 0) {
-      if (!coordinates.is_array()) Fail("coordinates are not nested as their type needs it");
-      for (const Json& part : coordinates) Collect(part, depth - 1, points);
-      return;
+  // ---- what is read
+
+  Parts PartsOf(JsonSpan coordinates, int depth) {
+    if (depth == 0) return {{{Position(coordinates)}}};
+    if (depth == 1) return {{LineOf(coordinates)}};
+    Parts parts;
+    if (depth == 2) {
+      parts.emplace_back();
+      for (const JsonSpan& line : Elements(coordinates)) parts[0].push_back(LineOf(line));
+      return parts;
     }
-    if (!coordinates.is_array() || coordinates.size() < 2 || !coordinates[0].is_number() ||
-        !coordinates[1].is_number()) {
+    for (const JsonSpan& polygon : Elements(coordinates)) {
+      parts.emplace_back();
+      for (const JsonSpan& ring : Elements(polygon)) parts.back().push_back(LineOf(ring));
+    }
+    return parts;
+  }
+
+  std::vector<JsonSpan> Elements(JsonSpan span) const {
+    if (m_Text[span.begin] != '[') Fail("coordinates are not nested as their type needs it");
+    return JsonElementsOf(m_Text, span.begin);
+  }
+
+  Line LineOf(JsonSpan span) {
+    Line line;
+    for (const JsonSpan& position : Elements(span)) line.push_back(Position(position));
+    return line;
+  }
+
+  shr::Vec2d Position(JsonSpan span) {
+    const std::vector<JsonSpan> numbers = JsonElementsOf(m_Text, span.begin);
+    shr::Vec2d point;
+    if (numbers.size() < 2 || !ParseNumber(At(numbers[0]), point.x) ||
+        !ParseNumber(At(numbers[1]), point.y)) {
       Fail("a position is not a list of two numbers");
     }
-    points.emplace_back(coordinates[0].get<double>(), coordinates[1].get<double>());
+    m_HasMore = m_HasMore || numbers.size() > 2;
+    return point;
+  }
+
+  // ---- clipped
+
+  /// Brings the parts to the map's datum and clips them; false when that has changed anything.
+  bool Cut(Parts& parts, bool bRings, ClipTally& tally) {
+    bool bWhole = true;
+    GeoShape shape;
+    for (std::vector<Line>& lines : parts) {
+      for (Line& line : lines) {
+        if (line.empty()) continue;  // of no consequence
+        if (line.size() < 2) Fail("a line or ring has fewer than two positions");
+        bWhole = ToMapDatum(line, bRings ? 4 : 2) && bWhole;
+      }
+      const auto isGone = [](const Line& line) { return line.empty(); };
+      // Without its outline a polygon's holes mean nothing.
+      if (bRings && !lines.empty() && lines.front().empty()) lines.clear();
+      std::erase_if(lines, isGone);
+      if (lines.empty()) continue;
+      if (bRings) {
+        shape.polygons.push_back(lines);
+      } else {
+        shape.lines.insert(shape.lines.end(), lines.begin(), lines.end());
+      }
+    }
+    shape = m_pClip->Clip(shape, tally, nullptr);
+    parts.clear();
+    if (bWhole && tally.clipped + tally.dropped + tally.lost == 0) return true;
+    if (bRings) {
+      parts = std::move(shape.polygons);
+    } else {
+      parts.push_back(std::move(shape.lines));
+    }
+    return false;
+  }
+
+  /// @param least  positions that a line or ring needs; with fewer it becomes empty.
+  /// @return whether all positions have a place.
+  bool ToMapDatum(Line& line, size_t least) const {
+    m_ToMapDatum->Convert(line.data(), line.size());
+    const size_t lost = std::erase_if(line, &IsLost);
+    if (lost > 0 && line.size() < least) line.clear();
+    return lost == 0;
+  }
+
+  /// The geometry that is left of one that was cut, and the account of its positions.
+  std::string OfShape(const std::vector<JsonMember>& members, std::vector<shr::Vec2d>& points, bool bRings,
+                      Parts parts) {
+    m_Losses.lost += Count(points, true);
+    GeoShape shape;
+    if (bRings) {
+      shape.polygons = std::move(parts);
+    } else if (!parts.empty()) {
+      shape.lines = std::move(parts[0]);
+    }
+    if (shape.lines.empty() && shape.polygons.empty()) return "";
+    if (m_HasMore) ++m_Losses.flattened;
+    std::string text = WriteGeoGeometry(shape, m_Options.decimals);
+    text.pop_back();
+    for (const JsonMember& member : members) {
+      const auto isOther = [&](std::string_view key) { return member.key != key; };
+      if (isOther("type") && isOther("coordinates") && isOther("bbox") && isOther("crs")) {
+        text += ',';
+        text += At(member.all);
+      }
+    }
+    return text + "}";
+  }
+
+  // ---- position by position
+
+  /// Converts, counts and adds to the report.
+  ///
+  /// @param bCut  what the target's projection does not show was cut off on purpose, and is no loss.
+  /// @return positions without a place, those that were cut off left out.
+  uint64_t Count(std::vector<shr::Vec2d>& points, bool bCut) {
+    const std::vector<shr::Vec2d> sources = points;
+    BlockTally block;
+    m_Direct.Convert(points.data(), points.size(), block.report);
+    block.points = points.size();
+    if (bCut) {
+      block.cutOff = block.report.Tally(ConversionLostDestArea).count +
+                     block.report.Tally(ConversionLostDestProjection).count;
+    }
+    uint64_t left = block.cutOff;  // the report does not tell which they are: the last ones lost
+    for (size_t i = 0; i < points.size(); ++i) {
+      if (!IsLost(points[i])) continue;
+      block.lost.push_back({static_cast<uint32_t>(i), false, BadLine::NoNumber, true, sources[i], ""});
+    }
+    block.lost.resize(block.lost.size() - std::min<size_t>(left, block.lost.size()));
+    for (size_t i = 0; i < kConversionEvents; ++i) {
+      block.firstPlace[i] = static_cast<uint32_t>(block.report.Tally(static_cast<ConversionEvent>(i)).first);
+    }
+    m_Tally.Add(block, sources, m_Tally.points);
+    return block.lost.size();
   }
 
   /// @param least  positions that a line or ring must have.
   /// @return "" when nothing is left.
-  std::string Written(const Json& coordinates, int depth, size_t least, const std::vector<shr::Vec2d>& points,
-                      size_t& next) const {
+  std::string Written(JsonSpan coordinates, int depth, size_t least, const std::vector<shr::Vec2d>& points,
+                      size_t& next) {
+    const std::vector<JsonSpan> elements = JsonElementsOf(m_Text, coordinates.begin);
     if (depth == 0) {
       const shr::Vec2d& point = points[next++];
       if (IsLost(point)) return "";
+      ++m_Written;
       std::string text = "[";
       AppendFixed(text, point.x, m_Options.decimals);
       text += ',';
       AppendFixed(text, point.y, m_Options.decimals);
-      for (size_t i = 2; i < coordinates.size(); ++i) text += "," + coordinates[i].dump();
+      for (size_t i = 2; i < elements.size(); ++i) {
+        text += ',';
+        text += At(elements[i]);
+      }
       return text + "]";
     }
+    const uint64_t writtenBefore = m_Written;
     std::string text;
     size_t count = 0;
     bool bFirstLost = false;
-    for (size_t i = 0; i < coordinates.size(); ++i) {
-      const std::string part = Written(coordinates[i], depth - 1, least, points, next);
+    for (size_t i = 0; i < elements.size(); ++i) {
+      const std::string part = Written(elements[i], depth - 1, least, points, next);
       bFirstLost = bFirstLost || (i == 0 && part.empty());
       if (part.empty()) continue;
       text += (count++ == 0 ? "" : ",") + part;
@@ -198,12 +321,17 @@ class GeometryConverter {
       text += "," + text.substr(0, text.find(']') + 1);
       ++count;
     }
-    if (depth == 1 && count < least) return "";
+    const bool bTooShort = depth == 1 && count < least && !elements.empty();
     // What lies within a polygon's outline is nothing without it.
-    if (depth == 2 && least == 4 && bFirstLost) return "";
-    return count == 0 ? "" : "[" + text + "]";
+    const bool bNoOutline = depth == 2 && least == 4 && bFirstLost;
+    if (bTooShort || bNoOutline || count == 0) {
+      m_Written = writtenBefore;
+      return "";
+    }
+    return "[" + text + "]";
   }
 
+  std::string_view m_Text;
   const std::string& m_Name;
   const GeoJsonOptions& m_Options;
   Conversion m_Direct;
@@ -211,7 +339,9 @@ class GeometryConverter {
   std::unique_ptr<MapClip> m_pClip;
   ConvertTally& m_Tally;
   ClipTally& m_Clipped;
-  uint64_t m_Lost = 0;  ///< of the feature at hand
+  Losses m_Losses;
+  bool m_HasMore = false;  ///< a position of the geometry at hand holds more than x and y
+  uint64_t m_Written = 0;  ///< positions of the geometry at hand
 };
 
 /// Copies the text, geometries converted.
@@ -280,11 +410,22 @@ class Copier {
 
   void Geometry(JsonSpan span) {
     CopyTo(span.begin);
-    m_Out += m_Converter.Convert(m_Text.substr(span.begin, span.end - span.begin));
+    m_Out += m_Converter.Convert(span);
     m_Position = span.end;
-    if (const uint64_t lost = m_Converter.LostHere()) {
-      Note(fmt::format("feature {}: {} position{} no place in the target system and {} left out", m_Feature,
-                       lost, lost == 1 ? " has" : "s have", lost == 1 ? "is" : "are"));
+    const GeometryConverter::Losses& losses = m_Converter.LossesHere();
+    if (losses.lost > 0) {
+      std::string note =
+          fmt::format("feature {}: {} position{} no place in the target system and {} left out", m_Feature,
+                      losses.lost, losses.lost == 1 ? " has" : "s have", losses.lost == 1 ? "is" : "are");
+      if (losses.goneAlong > 0)
+        note +=
+            fmt::format(", and {} more with the lines or rings that are left too short", losses.goneAlong);
+      Note(note);
+    }
+    if (losses.flattened > 0) {
+      Note(fmt::format(
+          "feature {}: it was cut, and the heights of its positions are left out; --no-clip keeps them",
+          m_Feature));
     }
     if (m_Out.size() < (size_t{1} << 20)) return;
     WriteDirectly(m_Out.data(), m_Out.size());
@@ -309,15 +450,9 @@ class Copier {
 
 void ConvertGeoJson(const std::string& text, const std::string& name, const CSDef& from, const CSDef& to,
                     const GeoJsonOptions& options, ConvertTally& tally, ClipTally& clipped) {
-  try {
-    // Nothing is kept: this only looks for mistakes.
-    const Json nothing = Json::parse(text, [](int, Json::parse_event_t, Json&) { return false; });
-    (void)nothing;
-  } catch (const Json::parse_error& e) {
-    throw UsageError(fmt::format("'{}': no JSON at byte {}", name, e.byte));
-  }
-  GeometryConverter converter(name, from, to, options, tally, clipped);
-  Copier(text, name, converter).Run();
+  const std::string_view json = CheckedJson(text, name);
+  GeometryConverter converter(json, name, from, to, options, tally, clipped);
+  Copier(json, name, converter).Run();
 }
 
 }  // namespace orv::tool

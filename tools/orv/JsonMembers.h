@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,6 +19,13 @@ struct JsonMember {
   JsonSpan all;          ///< key and value
   JsonSpan value;
 };
+
+/// The text behind a byte-order mark, when it is JSON of at most 200 levels of nesting.
+///
+/// @param name  of the file, for messages.
+/// Raised: UsageError "'NAME': no JSON at byte N", "... a number beyond 1.8e308 at byte N", "... nested deeper than 200
+/// levels".
+std::string_view CheckedJson(std::string_view text, const std::string& name);
 
 /// All of these need text that is valid JSON.
 

@@ -96,7 +96,7 @@ class RowReader {
     if (m_bQuotes && std::memchr(highEnd, '"', static_cast<size_t>(feed - highEnd))) return nullptr;
     const shr::Vec2d point =
         m_bAscending != m_Form.ReadsYFirst() ? shr::Vec2d(low, high) : shr::Vec2d(high, low);
-    if (m_Form.Options().fromGeographic && std::fabs(point.y) > 90.0) return nullptr;
+    if (m_Form.Options().fromGeographic && std::fabs(point.y) > m_Form.Options().pole) return nullptr;
 
     const char* const textEnd = feed != highEnd && feed[-1] == '\r' ? feed - 1 : feed;
     const uint32_t lowPlace = Place(lowAt), lowSize = Short(static_cast<size_t>(lowEnd - lowAt));
@@ -187,7 +187,7 @@ class RowReader {
       return false;
     }
     if (ParseNumber(text, value)) return true;
-    if (!m_Form.Options().fromGeographic) {
+    if (!m_Form.Options().fromDegrees) {
       problem = {BadLine::NoNumber, fmt::format("'{}' is not a number", Excerpt(text)), {}};
       return false;
     }
@@ -205,7 +205,7 @@ class RowReader {
   }
 
   bool IsOnEarth(std::string_view line, Field latitude, const shr::Vec2d& point, TextProblem& problem) {
-    if (!m_Form.Options().fromGeographic || !(std::fabs(point.y) > 90.0)) return true;
+    if (!m_Form.Options().fromGeographic || !(std::fabs(point.y) > m_Form.Options().pole)) return true;
     problem.kind = BadLine::BeyondPole;
     problem.text =
         fmt::format("latitude {} is beyond 90 degrees", Excerpt(FieldText(line, latitude, m_Room)));

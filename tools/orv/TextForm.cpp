@@ -5,14 +5,32 @@
 #include <vector>
 
 #include "tools/orv/Command.h"
+#include "tools/orv/NumberText.h"
 
 namespace orv::tool {
 
 namespace {
 
-/// Whether a field may be the name of a column: it does not begin like a number.
+/// Whether a field may be the name of a column: it does not begin like a number, and is neither an angle ("E9.5") nor one
+/// of the words for no number.
 bool NamesColumn(const std::string& field) {
-  return !field.empty() && std::string_view("0123456789+-.").find(field[0]) == std::string_view::npos;
+  if (field.empty() || std::string_view("0123456789+-.").find(field[0]) != std::string_view::npos)
+    return false;
+  for (const std::string_view word : {"nan", "na", "n/a", "inf", "infinity", "null", "none"}) {
+    if (EqualFold(Trimmed(field), word)) return false;
+  }
+  double angle = 0.0;
+  return !ParseAngle(Trimmed(field), angle);
+}
+
+/// Whether a carriage return stands within a line, outside quotes.
+bool HoldsCarriageReturn(std::string_view line) {
+  bool bQuoted = false;
+  for (const char c : line) {
+    if (c == '"') bQuoted = !bQuoted;
+    if (c == '\r' && !bQuoted) return true;
+  }
+  return false;
 }
 
 }  // namespace
@@ -31,6 +49,10 @@ TextForm::Start TextForm::Begin(std::string_view lines) {
     if (line.text.find_first_not_of(" \t") == std::string_view::npos) {
       at += line.size;
       continue;
+    }
+    if (HoldsCarriageReturn(line.text)) {
+      throw UsageError(
+          "the lines end in carriage returns alone: turn them into line feeds first, as by tr '\\r' '\\n'");
     }
     const size_t mark = line.text.starts_with("\xEF\xBB\xBF") ? 3 : 0;
     const bool bHeader = IsHeader(line.text.substr(mark));

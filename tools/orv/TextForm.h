@@ -11,7 +11,9 @@ namespace orv::tool {
 
 /// What the options say.
 struct TextOptions {
-  bool fromGeographic = false;  ///< angles are read, and latitudes beyond 90 degrees are bad
+  bool fromGeographic = false;  ///< latitudes beyond the pole are bad
+  bool fromDegrees = false;     ///< minutes and seconds are read too
+  double pole = 90.0;           ///< of a geographic source: the largest latitude, in its unit
   bool toGeographic = false;
   bool latFirst = false;       ///< of a geographic system the first of the two columns is the latitude
   int decimals = 4;            ///< of what is written

@@ -1,12 +1,10 @@
-// JsonText.h: writes JSON [RFC8259], value by value.
+// JsonText.h: writes JSON [RFC8259], value by value.  The command line compiles it once more: the module shows none of it.
 #pragma once
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "orv/core/Export.h"
 
 namespace orv::internal {
 
@@ -16,7 +14,7 @@ namespace orv::internal {
 /// Texts are taken as UTF-8: quotes, backslashes and control characters are escaped, and a byte that is no part of
 /// well-formed UTF-8 becomes U+FFFD, so that any text gives valid JSON.  A number that is not finite, which JSON does
 /// not have, is null.
-class ORV_API JsonText {
+class JsonText {
  public:
   JsonText& BeginObject() { return Begin('{'); }
   JsonText& EndObject() { return End('}'); }
