@@ -1,12 +1,7 @@
 // orv clip: the lines and polygons of a GeoJSON file, clipped to what a projection shows, and projected.
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <iostream>
 #include <memory>
-#include <sstream>
 #include <string>
 
 #include "tools/orv/Command.h"
@@ -14,19 +9,6 @@
 #include "tools/orv/SystemArgument.h"
 
 namespace orv::tool {
-
-std::string ReadFile(const std::string& name) {
-  std::ostringstream text;
-  if (name == "-") {
-    text << std::cin.rdbuf();
-    return text.str();
-  }
-  errno = 0;
-  std::ifstream file(name, std::ios::binary);
-  if (!file) throw UsageError(fmt::format("cannot open '{}': {}", name, std::strerror(errno)));
-  text << file.rdbuf();
-  return text.str();
-}
 
 namespace {
 

@@ -33,6 +33,7 @@ void FlushOutput();
 std::string ReadFile(const std::string& name);
 /// Writes "orv: ", the text and a line feed to standard error.
 void Report(const std::string& text);
+void SetQuiet(bool bQuiet);
 /// Whether --quiet is given: no messages but those of failures, and no progress.
 bool IsQuiet();
 /// Report, unless IsQuiet.

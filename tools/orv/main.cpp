@@ -1,10 +1,8 @@
 // orv: the command line of ORVCore.
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -15,32 +13,6 @@
 #include "tools/orv/OptionTable.h"
 
 namespace orv::tool {
-
-void WriteOutput(const std::string& text) {
-  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
-    throw UsageError(fmt::format("cannot write to standard output: {}", std::strerror(errno)));
-  }
-}
-
-void FlushOutput() {
-  if (std::fflush(stdout) != 0) {
-    throw UsageError(fmt::format("cannot write to standard output: {}", std::strerror(errno)));
-  }
-}
-
-namespace {
-
-bool g_bQuiet = false;
-
-}  // namespace
-
-void Report(const std::string& text) { fmt::print(stderr, "orv: {}\n", text); }
-
-bool IsQuiet() { return g_bQuiet; }
-
-void Note(const std::string& text) {
-  if (!g_bQuiet) Report(text);
-}
 
 namespace {
 
@@ -87,7 +59,8 @@ int main(int argc, char** argv) {
          "Folder that is searched first for configuration files")
       ->type_name("FOLDER")
       ->trigger_on_parse();
-  app.add_flag("--quiet,-q", g_bQuiet, "No messages but those of failures, and no progress");
+  app.add_flag_callback(
+      "--quiet,-q", [] { SetQuiet(true); }, "No messages but those of failures, and no progress");
   app.fallthrough();  // both also behind the subcommand
   app.require_subcommand(1);
   app.failure_message([](const CLI::App*, const CLI::Error& e) {
