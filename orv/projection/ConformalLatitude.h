@@ -1,7 +1,8 @@
 // ConformalLatitude.h: the ellipsoid's part in the conformal projections.
 //
-// Source      Snyder 1987 [Sny87], equations (7-9), (7-10), (15-9).
+// Source      Snyder 1987 [Sny87], equations (7-9), (7-10), (15-9); [Kaw11] for the series.
 // Input       sines of latitudes, or t = tan(pi/4 - phi/2) / ((1 - e sin phi)/(1 + e sin phi))^(e/2) (15-9).
+// Set-up      the coefficients of the series, by internal::MakeLatitudeSeries.
 // Departures  none; forms without power, sine or arc tangent in the loop, equal to the printed ones to 1e-15
 // rad.
 #pragma once
@@ -9,6 +10,12 @@
 #include "orv/lanes/LaneMath.h"
 
 namespace orv {
+
+/// phi - chi as sin 2 chi times a polynomial in cos 2 chi, lowest power first.
+struct LatitudeSeries {
+  double c[6];
+};
+
 namespace ORV_ISA {
 
 /// Up to this eccentricity, which every ellipsoid of the Earth is below, short series replace artanh and exp.
@@ -46,6 +53,24 @@ inline Lanes LatitudeOf(Lanes t, double e, double tolerance, int steps) {
     active = active & moving;
   }
   return Except(kHalfPi - 2.0 * atan(tau), active, kNaN);
+}
+
+/// Beyond it, |ln t| is that of a pole to the last bit.
+inline constexpr double kLargestLnT = 100.0;
+
+/// Absolute, radians, and steps of (7-9) where the formulary leaves them open.
+inline constexpr double kLatitudeTolerance = 1e-12;
+inline constexpr int kLatitudeSteps = 100;
+
+/// The same latitude from chi = pi/2 - 2 atan t by the series, to 2e-17 rad and round-off; by (7-9) where the
+/// eccentricity is too large for it.
+inline Lanes LatitudeOf(Lanes t, double e, const LatitudeSeries& series) {
+  if (e > kLargestSmallEccentricity) return LatitudeOf(t, e, kLatitudeTolerance, kLatitudeSteps);
+  const Lanes t2 = t * t, inverse = 1.0 / (1.0 + t2);
+  const Lanes rise = 1.0 - t2, run = 2.0 * t;  // of chi
+  const Lanes s = rise * inverse, c = run * inverse;
+  const auto& k = series.c;
+  return atan2(rise, run) + 2.0 * s * c * Poly(c * c - s * s, k[0], k[1], k[2], k[3], k[4], k[5]);
 }
 
 }  // namespace ORV_ISA

@@ -5,6 +5,7 @@
 
 #include "orv/core/internal/Angle.h"
 #include "orv/projection/internal/ProjEngine.h"
+#include "orv/projection/internal/ProjSetUp.h"
 
 ORV_UNIT("ProjHotine")
 
@@ -112,6 +113,7 @@ bool SetUp(ProjectionParameters& p, Hotine& c) {
   p.Alpha = line.azimuth;
 
   c.e = e;
+  c.latitude = internal::MakeLatitudeSeries(e);
   c.A = A;
   c.B = B;
   // With Lat0 at a pole t0 is 0 and no point has a place: all are marked, and none divides by 0.

@@ -31,13 +31,10 @@ struct Hotine {
   double vSouth;      // (A/B) ln tan(pi/4 + gamma_0/2): v of the south pole
   bool rotate;        // bRotate: (u, v) rotated to (x, y); else x = u, y = v
   bool offsetU;       // bUOffset: u is counted from uc
+  LatitudeSeries latitude;  // of e
 };
 
 namespace ORV_ISA {
-
-/// Absolute, radians, and steps of (7-9).
-inline constexpr double kHotineTolerance = 1e-12;
-inline constexpr int kHotineSteps = 100;
 
 /// Beyond this exponent the smaller of Q and 1/Q is lost.
 inline constexpr double kHotineLargestExponent = 150.0;
@@ -97,7 +94,7 @@ inline Point Inverse(const Hotine& c, Point p) {
   const Mask pole = (abs(W) >= T) | (root <= 0.0);   // a NaN is none
   // (9-47): t = (E / sqrt((1 + U')/(1 - U')))^(1/B)
   const Lanes lnT = (log(Splat(c.E)) - LogTan(Except(W, pole, 0.0), Except(root, pole, T), T)) * inverseB;
-  const Lanes phi = LatitudeOf(exp(Clamp(lnT, 300.0)), c.e, kHotineTolerance, kHotineSteps);
+  const Lanes phi = LatitudeOf(exp(Clamp(lnT, kLargestLnT)), c.e, c.latitude);
   const Lanes lambda = c.lambda0 - atan2(n, bu.cos) * inverseB;  // (9-48)
   const Lanes lambdaOrPole = Except(lambda, pole, c.lambda0);
   return {c.A == 0.0 ? Splat(kNaN) : Except(lambdaOrPole, far, kNaN),

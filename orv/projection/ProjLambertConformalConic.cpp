@@ -68,6 +68,7 @@ bool SetUpEllipsoid(const ProjectionParameters& p, LambertConformalConic& c) {
 bool SetUp(ProjectionParameters& radians, LambertConformalConic& c) {
   c.sphere = radians.ellipsoid.GetFlattening() == 0.0;
   c.e = std::sqrt(internal::EccentricitySquared(radians));
+  c.latitude = internal::MakeLatitudeSeries(c.e);
   c.lon0 = radians.Lon0;
   const bool done = c.sphere ? SetUpSphere(radians, c) : SetUpEllipsoid(radians, c);
   if (!done || !std::isfinite(c.n) || !std::isfinite(c.aF) || !std::isfinite(c.rho0)) {

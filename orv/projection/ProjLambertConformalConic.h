@@ -26,13 +26,10 @@ struct LambertConformalConic {
   double n;     // cone constant (15-3), (15-8); not 0
   double aF;    // a F (15-2), (15-10), metres; has the sign of n
   double rho0;  // distance of the apex from the origin (15-1a), (15-7a), metres; has the sign of n
+  LatitudeSeries latitude;  // of e; not read on the sphere
 };
 
 namespace ORV_ISA {
-
-/// Absolute, radians, and steps of (7-9).
-inline constexpr double kLambertTolerance = 1e-12;
-inline constexpr int kLambertSteps = 100;
 
 inline Point Forward(const LambertConformalConic& c, Point p) {
   const Mask outside = abs(p.y) > kHalfPi;
@@ -59,8 +56,7 @@ inline Point Inverse(const LambertConformalConic& c, Point p) {
   // ln of (rho/(a F))^(1/n) (15-11); at the apex infinite, with the sign of -n
   const Lanes lnT = log(at.rho2 * (1.0 / (c.aF * c.aF))) * (0.5 / c.n);
   if (c.sphere) return {lambda, atan(sinh(Clamp(-lnT, kLargestHyperbolic)))};  // (15-5)
-  // Beyond +-300 the latitude is that of the pole, to the last bit.
-  return {lambda, LatitudeOf(exp(Clamp(lnT, 300.0)), c.e, kLambertTolerance, kLambertSteps)};
+  return {lambda, LatitudeOf(exp(Clamp(lnT, kLargestLnT)), c.e, c.latitude)};
 }
 
 }  // namespace ORV_ISA

@@ -36,6 +36,24 @@ MeridianArc MakeMeridianArc(double a, double e2) {
   return m;
 }
 
+LatitudeSeries MakeLatitudeSeries(double e) {
+  const double root = std::sqrt(1.0 - e * e);
+  const double n = (1.0 - root) / (1.0 + root);
+  const double n2 = n * n, n3 = n2 * n, n4 = n2 * n2, n5 = n3 * n2, n6 = n3 * n3;
+  // [Kaw11]: the coefficients of sin 2 k chi
+  const double d1 =
+      2.0 * n - 2.0 / 3.0 * n2 - 2.0 * n3 + 116.0 / 45.0 * n4 + 26.0 / 45.0 * n5 - 2854.0 / 675.0 * n6;
+  const double d2 =
+      7.0 / 3.0 * n2 - 8.0 / 5.0 * n3 - 227.0 / 45.0 * n4 + 2704.0 / 315.0 * n5 + 2323.0 / 945.0 * n6;
+  const double d3 = 56.0 / 15.0 * n3 - 136.0 / 35.0 * n4 - 1262.0 / 105.0 * n5 + 73814.0 / 2835.0 * n6;
+  const double d4 = 4279.0 / 630.0 * n4 - 332.0 / 35.0 * n5 - 399572.0 / 14175.0 * n6;
+  const double d5 = 4174.0 / 315.0 * n5 - 144838.0 / 6237.0 * n6;
+  const double d6 = 601676.0 / 22275.0 * n6;
+  // sin 2 k chi = sin 2 chi U_k-1(cos 2 chi): Chebyshev polynomials of the second kind, by powers of the cosine
+  return {{d1 - d3 + d5, 2.0 * d2 - 4.0 * d4 + 6.0 * d6, 4.0 * d3 - 12.0 * d5, 8.0 * d4 - 32.0 * d6,
+           16.0 * d5, 32.0 * d6}};
+}
+
 double ArcLength(const MeridianArc& m, double phi) {
   return m.a *
          (m.c0 * phi - m.c2 * std::sin(2.0 * phi) + m.c4 * std::sin(4.0 * phi) - m.c6 * std::sin(6.0 * phi));

@@ -46,6 +46,7 @@ bool SetUp(ProjectionParameters& radians, Stereographic& c) {
                       "intermediate calculation.");
     }
     c.e = e;
+    c.latitude = internal::MakeLatitudeSeries(e);
     if (std::fabs(std::fabs(radians.Lat0) - kRightAngle) < kPoleTolerance) {
       c.centre = internal::MakeAzimuthalCentre(radians.Lon0, std::copysign(kRightAngle, radians.Lat0));
       c.radius /= std::sqrt(std::pow(1.0 + e, 1.0 + e) * std::pow(1.0 - e, 1.0 - e));  // (21-33)

@@ -23,15 +23,11 @@ struct Stereographic {
   // Radius, metres; 0 when K0 is.  Sphere: a K0.  Ellipsoid: a K0 m1/cos chi1, m1 (14-15); when the centre is
   // a pole a K0/sqrt((1 + e)^(1 + e) (1 - e)^(1 - e)), of (21-33).
   double radius;
-  AzimuthalCentre centre;  // (Lon0, Lat0), but sine and cosine on the ellipsoid are those of chi1
+  AzimuthalCentre centre;   // (Lon0, Lat0), but sine and cosine on the ellipsoid are those of chi1
+  LatitudeSeries latitude;  // of e; not read on the sphere
 };
 
 namespace ORV_ISA {
-
-/// Absolute, radians.
-inline constexpr double kStereographicTolerance = 1e-12;
-
-inline constexpr int kStereographicSteps = 100;
 
 /// Sine and cosine of the conformal latitude (3-1), by t of the absolute latitude, which is at most 1 (15-9).
 inline SinCos ConformalSinCos(double e, SinCos phi) {
@@ -60,7 +56,7 @@ inline Point Inverse(const Stereographic& c, Point p) {
   if (c.sphere) return {lambda, LatitudeAt(c.centre, d)};
   const Lanes s = abs(d.s);
   const Lanes t = d.root / (sqrt(d.s * d.s + d.root * d.root) + s);  // tan(pi/4 - |chi|/2)
-  const Lanes phi = FlipSign(LatitudeOf(t, c.e, kStereographicTolerance, kStereographicSteps), d.s);  // (7-9)
+  const Lanes phi = FlipSign(LatitudeOf(t, c.e, c.latitude), d.s);
   const Lanes phiOrPole = Except(phi, d.pole, WithSign(Splat(kHalfPi), d.s));
   return {lambda, Except(phiOrPole, d.centre, c.centre.lat0)};
 }

@@ -1061,7 +1061,7 @@ TEST(Formulas, HotineWrapsTheLongitudeDifferenceIntoHalfATurn) {
   EXPECT_NEAR(points[0].y, points[1].y, 1e-6);
   EXPECT_LT(abs(points[0].x), 2e6);
   // exactly half a turn stays positive, its negative becomes positive
-  const orv::Hotine centred = {c.e, c.A, c.B, 1, 0, 1, 0, 0, 1, 0, 0, 0, false, false};
+  const orv::Hotine centred = {c.e, c.A, c.B, 1, 0, 1, 0, 0, 1, 0, 0, 0, false, false, MakeSeries(c.e)};
   std::vector<Pt> ends = {{kPi, 0.2}, {-kPi, 0.2}};
   K().hotine.forward(centred, Data(ends), 2);
   EXPECT_EQ(ends[0].x, ends[1].x);
@@ -1070,14 +1070,15 @@ TEST(Formulas, HotineWrapsTheLongitudeDifferenceIntoHalfATurn) {
 
 TEST(Formulas, HotineMarksInfinityAndReturnsPolesAtItsOwnLongitude) {
   // a line straight along the meridian (gamma_0 = 0): |U| is 1 on the Equator 90 degrees away
-  const orv::Hotine c = {0, 1, 1, 1, 0, 1, 0, 0, 1, 0, 0, 0, false, false};
+  const orv::Hotine c = {0, 1, 1, 1, 0, 1, 0, 0, 1, 0, 0, 0, false, false, {}};
   std::vector<Pt> points = {{kHalfPi, 0}, {-kHalfPi, 0}, {1.5, 0}};
   K().hotine.forward(c, Data(points), 3);
   EXPECT_EQ(points[0].x, kMarker);
   EXPECT_EQ(points[1].y, kMarker);
   EXPECT_NE(points[2].x, kMarker);
-  const orv::Hotine across = {0, 1, 1, 1, 1, 0, 0.7, 0, 1, 0, 0, 0, false, false};  // gamma_0 = 90 degrees
-  points = {{0.3, -45}, {0.3, 45}};  // far along v: U' is 1 to the last bit
+  const orv::Hotine across = {0, 1, 1, 1, 1,     0,     0.7, 0,
+                              1, 0, 0, 0, false, false, {}};  // gamma_0 = 90 degrees
+  points = {{0.3, -45}, {0.3, 45}};                           // far along v: U' is 1 to the last bit
   K().hotine.inverse(across, Data(points), 2);
   EXPECT_EQ(points[0].x, 0.7);
   EXPECT_EQ(points[0].y, kHalfPi);

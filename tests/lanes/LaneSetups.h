@@ -75,6 +75,26 @@ inline orv::Mercator MakeMercator(Ellipsoid el, double lon0, double lat0) {
   return {el.f == 0, false, el.a, el.e(), k, lon0};
 }
 
+// phi - chi of the sine of 2 chi, to the sixth power of the third flattening [Kaw11], by Chebyshev's polynomials.
+inline orv::LatitudeSeries MakeSeries(double e) {
+  const double r = std::sqrt(1 - e * e), n = (1 - r) / (1 + r);
+  const double rows[6][6] = {{2, -2. / 3, -2, 116. / 45, 26. / 45, -2854. / 675},
+                             {0, 7. / 3, -8. / 5, -227. / 45, 2704. / 315, 2323. / 945},
+                             {0, 0, 56. / 15, -136. / 35, -1262. / 105, 73814. / 2835},
+                             {0, 0, 0, 4279. / 630, -332. / 35, -399572. / 14175},
+                             {0, 0, 0, 0, 4174. / 315, -144838. / 6237},
+                             {0, 0, 0, 0, 0, 601676. / 22275}};
+  const double chebyshev[6][6] = {
+      {1}, {0, 2}, {-1, 0, 4}, {0, -4, 0, 8}, {1, 0, -12, 0, 16}, {0, 6, 0, -32, 0, 32}};
+  orv::LatitudeSeries series = {};
+  for (int k = 0; k < 6; ++k) {
+    double d = 0;
+    for (int power = 5; power >= 0; --power) d = (d + rows[k][power]) * n;
+    for (int i = 0; i < 6; ++i) series.c[i] += d * chebyshev[k][i];
+  }
+  return series;
+}
+
 inline orv::MeridianArc MakeArc(Ellipsoid el) {
   const double e2 = el.e2(), e4 = e2 * e2, e6 = e4 * e2, root = std::sqrt(1 - e2);
   const double e1 = (1 - root) / (1 + root), e12 = e1 * e1, e13 = e12 * e1, e14 = e12 * e12;
@@ -126,7 +146,7 @@ inline orv::LambertConformalConic MakeLambert(Ellipsoid el, double lon0, double 
   const double n =
       (std::log(m1) - std::log(ParallelM(el, lat2))) / (std::log(t1) - std::log(ConformalT(e, lat2)));
   const double aF = el.a * m1 / (n * std::pow(t1, n));
-  return {el.f == 0, e, lon0, n, aF, aF * std::pow(ConformalT(e, lat0), n)};
+  return {el.f == 0, e, lon0, n, aF, aF * std::pow(ConformalT(e, lat0), n), MakeSeries(e)};
 }
 
 inline orv::Albers MakeAlbers(Ellipsoid el, double lon0, double lat0, double lat1, double lat2) {
@@ -220,7 +240,8 @@ inline orv::Hotine FinishHotine(const HotineBase& h, double E, double gamma0, do
           scale * std::log(std::tan(kPi / 4 - gamma0 / 2)),
           scale * std::log(std::tan(kPi / 4 + gamma0 / 2)),
           rotate,
-          offsetU};
+          offsetU,
+          MakeSeries(h.e)};
 }
 inline orv::Hotine MakeHotineAzimuth(Ellipsoid el, double k0, double alpha, double lon1, double lat0,
                                      bool rotate, bool offsetU) {
@@ -248,7 +269,7 @@ inline orv::AzimuthalCentre MakeCentre(double lon0, double lat0) {
 
 inline orv::Stereographic MakeStereographic(Ellipsoid el, double k0, double lon0, double lat0) {
   const double e = el.e(), s = std::sin(lat0), chi1 = kHalfPi - 2 * std::atan(ConformalT(e, lat0));
-  orv::Stereographic c = {el.f == 0, e, el.a * k0, MakeCentre(lon0, lat0)};
+  orv::Stereographic c = {el.f == 0, e, el.a * k0, MakeCentre(lon0, lat0), MakeSeries(e)};
   if (std::abs(lat0) == kHalfPi) {
     c.radius /= std::sqrt(std::pow(1 + e, 1 + e) * std::pow(1 - e, 1 - e));
   } else if (el.f != 0) {

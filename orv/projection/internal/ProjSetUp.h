@@ -2,6 +2,7 @@
 #pragma once
 
 #include "orv/projection/Azimuthal.h"
+#include "orv/projection/ConformalLatitude.h"
 #include "orv/projection/MeridianArc.h"
 #include "orv/projection/ProjTransverseMercator.h"
 #include "orv/projection/ProjectionParameters.h"
@@ -22,6 +23,11 @@ MeridianArc MakeMeridianArc(double a, double e2);
 
 /// The arc from the Equator to phi, radians, in the unit of a: [Sny87] (3-21).
 double ArcLength(const MeridianArc& m, double phi);
+
+/// The series of the latitude in the conformal latitude, to the sixth power of the third flattening [Kaw11].
+///
+/// @param e  eccentricity, below 1; exact to 2e-17 radians up to 0.087.
+LatitudeSeries MakeLatitudeSeries(double e);
 
 /// The constants of the Transverse Mercator and of UTM, of working parameters (radians).  Always true.
 bool SetUpTransverseMercator(ProjectionParameters& radians, TransverseMercator& c);
