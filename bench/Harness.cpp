@@ -18,6 +18,7 @@
 #include <thread>
 
 #include "bench/Peers.h"
+#include "orv/convert/internal/JsonText.h"
 #include "orv/lanes/Dispatch.h"
 
 namespace orv::bench {
@@ -161,70 +162,6 @@ std::vector<Run> RunsOf(const Case& subject, const Side& side, bool isInverse) {
   return runs;
 }
 
-void Escape(std::string& out, const std::string& text) {
-  out += '"';
-  for (const char c : text) {
-    if (c == '"' || c == '\\') out += '\\';
-    out += c;
-  }
-  out += '"';
-}
-
-/// Writes objects and lists; numbers with six digits.
-class Json {
- public:
-  Json& Key(const char* name) {
-    Comma();
-    Escape(m_Text, name);
-    m_Text += ": ";
-    m_First = true;
-    return *this;
-  }
-  Json& Open(char bracket) {
-    Comma();
-    m_Text += bracket;
-    m_First = true;
-    return *this;
-  }
-  Json& Close(char bracket) {
-    m_Text += bracket;
-    m_First = false;
-    return *this;
-  }
-  Json& Text(const std::string& text) {
-    Comma();
-    Escape(m_Text, text);
-    return *this;
-  }
-  Json& Number(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.6g", value);
-    Comma();
-    m_Text += text;
-    return *this;
-  }
-  Json& Whole(size_t value) {
-    Comma();
-    m_Text += std::to_string(value);
-    return *this;
-  }
-  Json& Line() {
-    Comma();
-    m_Text += '\n';
-    m_First = true;
-    return *this;
-  }
-  const std::string& All() const { return m_Text; }
-
- private:
-  void Comma() {
-    if (!m_First) m_Text += ", ";
-    m_First = false;
-  }
-  std::string m_Text;
-  bool m_First = true;
-};
-
 std::string Processor() {
   std::ifstream info("/proc/cpuinfo");
   for (std::string line; std::getline(info, line);) {
@@ -241,21 +178,23 @@ std::string Today() {
   return text;
 }
 
-void WriteRun(Json& json, const Run& run) {
+/// To hundredths.
+double Rounded(double value) { return std::round(value * 100.0) / 100.0; }
+
+void WriteRun(internal::JsonText& json, const Run& run) {
   const double median = Median(run.nanoseconds);
   if (!(median > 0.3)) throw std::runtime_error("a point in less than a cycle: nothing was done");
-  json.Line().Open('{');
-  json.Key("who").Text(run.side->who);
+  json.BeginObject().Key("who").Text(run.side->who);
   if (run.isa) json.Key("set").Text(run.isa);
-  json.Key("batch").Whole(run.batch);
-  if (run.threads != 0) json.Key("threads").Whole(static_cast<size_t>(run.threads));
-  json.Key("nanoseconds").Number(median);
-  json.Key("least").Number(*std::min_element(run.nanoseconds.begin(), run.nanoseconds.end()));
-  json.Key("most").Number(*std::max_element(run.nanoseconds.begin(), run.nanoseconds.end()));
-  json.Close('}');
+  json.Key("batch").Number(run.batch);
+  if (run.threads != 0) json.Key("threads").Number(static_cast<size_t>(run.threads));
+  json.Key("nanoseconds").Number(Rounded(median));
+  json.Key("least").Number(Rounded(*std::min_element(run.nanoseconds.begin(), run.nanoseconds.end())));
+  json.Key("most").Number(Rounded(*std::max_element(run.nanoseconds.begin(), run.nanoseconds.end())));
+  json.EndObject();
 }
 
-void MeasureDirection(const Case& subject, const Direction& direction, int rounds, Json& json) {
+void MeasureDirection(const Case& subject, const Direction& direction, int rounds, internal::JsonText& json) {
   std::vector<Run> runs;
   std::map<const Side*, Prepared> prepared;
   for (const Side& side : subject.sides) {
@@ -294,12 +233,12 @@ void MeasureDirection(const Case& subject, const Direction& direction, int round
   }
   lanes::LimitKernels(nullptr);
 
-  json.Line().Open('{');
+  json.BeginObject();
   json.Key("subject").Text(subject.subject).Key("direction").Text(direction.name);
   json.Key("goal").Text(NameOf(direction.isInverse ? subject.inverseGoal : subject.goal));
-  json.Key("largest").Whole(subject.largest).Key("runs").Open('[');
+  json.Key("largest").Number(subject.largest).Key("runs").BeginArray();
   for (const Run& run : runs) WriteRun(json, run);
-  json.Close(']').Close('}');
+  json.EndArray().EndObject();
 }
 
 std::vector<Direction> DirectionsOf(const Case& subject) {
@@ -367,8 +306,8 @@ void Check(const Case& subject) {
 
 void Measure(const std::vector<Case>& cases, const std::vector<Once>& once, const Options& options) {
   const auto chosen = [&](const std::string& name) { return name.find(options.only) != std::string::npos; };
-  Json json;
-  json.Open('{').Line();
+  internal::JsonText json;
+  json.BeginObject();
   json.Key("date")
       .Text(Today())
       .Key("processor")
@@ -382,9 +321,9 @@ void Measure(const std::vector<Case>& cases, const std::vector<Once>& once, cons
 #endif
       );
   json.Key("proj").Text(ProjVersion()).Key("geographiclib").Text(GeographicLibVersion());
-  json.Key("rounds").Whole(static_cast<size_t>(options.rounds)).Key("sets").Open('[');
+  json.Key("rounds").Number(static_cast<size_t>(options.rounds)).Key("sets").BeginArray();
   for (const char* isa : Sets()) json.Text(isa);
-  json.Close(']').Key("rows").Open('[');
+  json.EndArray().Key("rows").BeginArray();
   for (const Case& subject : cases) {
     if (!chosen(subject.subject)) continue;
     std::fprintf(stderr, "%s\n", subject.subject.c_str());
@@ -393,15 +332,15 @@ void Measure(const std::vector<Case>& cases, const std::vector<Once>& once, cons
       MeasureDirection(subject, direction, options.rounds, json);
     }
   }
-  json.Close(']').Line().Key("once").Open('[');
+  json.EndArray().Key("once").BeginArray();
   for (const Once& work : once) {
     if (!chosen(work.name)) continue;
-    json.Line().Open('{').Key("name").Text(work.name).Key("unit").Text(work.unit);
-    json.Key("value").Number(MeasureOnce(work, options.rounds)).Close('}');
+    json.BeginObject().Key("name").Text(work.name).Key("unit").Text(work.unit);
+    json.Key("value").Number(Rounded(MeasureOnce(work, options.rounds))).EndObject();
   }
-  json.Close(']').Close('}');
+  json.EndArray().EndObject();
   std::ofstream file(options.out);
-  if (!(file << json.All() << "\n") || !file.flush()) throw std::runtime_error("cannot write " + options.out);
+  if (!(file << json.Finish()) || !file.flush()) throw std::runtime_error("cannot write " + options.out);
 }
 
 }  // namespace orv::bench
