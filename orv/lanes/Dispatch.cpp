@@ -60,14 +60,13 @@ struct Choice {
   const KernelTable* few[kFewPoints + 1];  // by the number of points
 };
 
-Choice Choose() {
+/// The sets up to the one of that name; all for null or an unknown name.
+Choice Choose(const char* wanted) {
   Candidate list[kMostCandidates];
   const int count = Candidates(list);
   int first = 0;
-  if (const char* wanted = std::getenv("ORV_ISA")) {
-    for (int i = 0; i < count; ++i) {
-      if (std::strcmp(list[i].table->isa, wanted) == 0) first = i;
-    }
+  for (int i = 0; wanted && i < count; ++i) {
+    if (std::strcmp(list[i].table->isa, wanted) == 0) first = i;
   }
   while (!list[first].runs) ++first;  // the last one runs everywhere
   const KernelTable* const one = list[count - 1].table;
@@ -80,8 +79,8 @@ Choice Choose() {
   return choice;
 }
 
-const Choice& Chosen() {
-  static const Choice choice = Choose();
+Choice& Chosen() {
+  static Choice choice = Choose(std::getenv("ORV_ISA"));
   return choice;
 }
 
@@ -102,5 +101,7 @@ const KernelTable* KernelsOf(const char* isa) {
   }
   return nullptr;
 }
+
+void LimitKernels(const char* isa) { Chosen() = Choose(isa ? isa : std::getenv("ORV_ISA")); }
 
 }  // namespace orv::lanes

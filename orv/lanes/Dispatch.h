@@ -177,5 +177,9 @@ const KernelTable& KernelsFor(std::size_t n);
 /// The set of that name, or null when this machine or this build lacks it.  For tests and benchmarks.
 const KernelTable* KernelsOf(const char* isa);
 
+/// Chooses anew, with `isa` in the place of ORV_ISA; null goes back to the environment's choice.  For tests and
+/// benchmarks, which compare the sets in one process.  Not thread-safe: no other thread may be converting points.
+void LimitKernels(const char* isa);
+
 }  // namespace lanes
 }  // namespace orv

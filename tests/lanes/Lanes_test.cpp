@@ -625,7 +625,23 @@ std::string SetsUpTo(std::size_t index) {
   return "^" + best + " one " + few + " " + few + " " + few + " " + best + "$";
 }
 
-// The choice is made once in a process, so each case needs its own.
+TEST(Dispatch, TheChoiceCanBeLimitedInOneProcess) {
+  const KernelTable& first = orv::lanes::Kernels();
+  for (const KernelTable* set : Sets()) {
+    orv::lanes::LimitKernels(set->isa);
+    EXPECT_EQ(&orv::lanes::Kernels(), set);
+    EXPECT_EQ(&orv::lanes::KernelsFor(5), set);
+    EXPECT_EQ(orv::lanes::KernelsFor(1).lanes, 1u);
+    for (std::size_t n = 2; n <= 4; ++n)
+      EXPECT_LE(orv::lanes::KernelsFor(n).lanes, std::min<std::size_t>(set->lanes, 4));
+  }
+  orv::lanes::LimitKernels("nonsense");
+  EXPECT_EQ(&orv::lanes::Kernels(), Sets().back());
+  orv::lanes::LimitKernels(nullptr);
+  EXPECT_EQ(&orv::lanes::Kernels(), &first);
+}
+
+// The environment is read once in a process, so each case needs its own.
 TEST(DispatchDeathTest, TheEnvironmentLimitsTheSets) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   for (std::size_t i = 0; i < Sets().size(); ++i) {

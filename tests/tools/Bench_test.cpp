@@ -25,6 +25,10 @@ TEST(OrvBench, TellsASpeedForEachNumberOfPointsAtATime) {
 TEST(OrvBench, SaysWhatIsWrong) {
   EXPECT_EQ(RunOrv({"bench", "-f", "EPSG:4326", "-t", "EPSG:32633", "--area", "9,1,8,2"}).err,
             "orv: --area: west must be below east, south below north\n");
+  for (const char* area : {"1,2,3", "1,2,3,4,5", "1 2 3 4", "1,2,3,x", ","}) {
+    EXPECT_EQ(RunOrv({"bench", "-f", "EPSG:4326", "-t", "EPSG:32633", "--area", area}).err,
+              "orv: --area: '" + std::string(area) + "' is not four numbers WEST,SOUTH,EAST,NORTH\n");
+  }
   EXPECT_EQ(
       RunOrv({"bench", "-f", "EPSG:4326", "-t", "EPSG:32633", "-n", "10", "--area", "100,1,110,2"}).err,
       "orv: most points of 100 to 110 degrees of longitude, 1 to 2 of latitude have no good place in both systems; "

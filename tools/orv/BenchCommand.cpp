@@ -2,6 +2,7 @@
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <memory>
 #include <random>
@@ -13,6 +14,7 @@
 #include "orv/projection/ProjectionDef.h"
 #include "orv/system/ORVDef.h"
 #include "tools/orv/Command.h"
+#include "tools/orv/NumberText.h"
 #include "tools/orv/SystemArgument.h"
 
 namespace orv::tool {
@@ -21,10 +23,12 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+using Area = std::array<double, 4>;  // west, south, east, north
+
 struct BenchOptions {
   std::string from;
   std::string to;
-  std::vector<double> area;  ///< west, south, east, north; empty: see AreaOf
+  std::string area;  ///< west, south, east, north; empty: see AreaOf
   size_t points = 100000;
   double seconds = 0.2;
   bool json = false;
@@ -37,7 +41,7 @@ const ORVDef* Projected(const CSDef& system) {
 
 /// Where the points lie when the options do not say: 3 degrees around the origin of the source's projection, or of the
 /// target's when the source has none; from the equator to 60 degrees north where the origin is on the equator.
-std::vector<double> AreaOf(const CSDef& from, const CSDef& to) {
+Area AreaOf(const CSDef& from, const CSDef& to) {
   const ORVDef* const system = Projected(from) ? Projected(from) : Projected(to);
   if (!system) return {-180.0, -80.0, 180.0, 80.0};
   ProjectionParameters p;
@@ -48,14 +52,14 @@ std::vector<double> AreaOf(const CSDef& from, const CSDef& to) {
   return {lon0 - 3.0, std::max(lat0 - 3.0, -90.0), lon0 + 3.0, std::min(lat0 + 3.0, 90.0)};
 }
 
-std::string Where(const std::vector<double>& area) {
+std::string Where(const Area& area) {
   return fmt::format("{:g} to {:g} degrees of longitude, {:g} to {:g} of latitude", area[0], area[2], area[1],
                      area[3]);
 }
 
 /// Random points of the area in the source's coordinates, all of which the conversion places without a doubt.
-std::vector<shr::Vec2d> DrawPoints(const CSDef& from, const orv::Conversion& conversion,
-                                   const std::vector<double>& area, size_t count) {
+std::vector<shr::Vec2d> DrawPoints(const CSDef& from, const orv::Conversion& conversion, const Area& area,
+                                   size_t count) {
   constexpr size_t kAtATime = 1000, kMostTries = 20;
   std::mt19937_64 random(1);
   std::uniform_real_distribution<double> x(area[0], area[2]), y(area[1], area[3]);
@@ -109,10 +113,7 @@ double Speed(const orv::Conversion& conversion, const std::vector<shr::Vec2d>& p
 int RunBench(const BenchOptions& options) {
   const std::unique_ptr<CSDef> from = ReadSystem(options.from), to = ReadSystem(options.to);
   const orv::Conversion conversion = orv::Conversion::Create(*from, *to);
-  const std::vector<double> area = options.area.empty() ? AreaOf(*from, *to) : options.area;
-  if (!(area[0] < area[2] && area[1] < area[3])) {
-    throw UsageError("--area: west must be below east, south below north");
-  }
+  const Area area = options.area.empty() ? AreaOf(*from, *to) : ReadArea("--area", options.area);
   const std::vector<shr::Vec2d> points = DrawPoints(*from, conversion, area, options.points);
   internal::JsonText json;
   json.BeginObject().Key("from").Text(options.from).Key("to").Text(options.to);
@@ -143,9 +144,7 @@ void AddBenchCommand(CLI::App& app, int& status) {
       ->add_option(
           "--area", options->area,
           "Where the points lie, degrees on the source's datum; around the projection's origin when not given")
-      ->type_name("W,S,E,N")
-      ->delimiter(',')
-      ->expected(4);
+      ->type_name("W,S,E,N");
   command->add_option("--points,-n", options->points, "How many different points")
       ->type_name("N")
       ->check(CLI::Range(1, 10000000))

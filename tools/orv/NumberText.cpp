@@ -1,10 +1,12 @@
 #include "tools/orv/NumberText.h"
 
-#include <array>
+#include <fmt/core.h>
+
 #include <charconv>
 
 #include "orv/convert/internal/TypedText.h"
 #include "orv/core/internal/Number.h"
+#include "tools/orv/Command.h"
 #include "tools/orv/FixedNumber.h"
 
 namespace orv::tool {
@@ -22,6 +24,24 @@ bool ParseInteger(std::string_view text, int& value) {
   if (error != std::errc() || end != digits.data() + digits.size()) return false;
   value = number;
   return true;
+}
+
+std::array<double, 4> ReadArea(const char* option, const std::string& text) {
+  std::array<double, 4> edges{};
+  std::string_view rest = text;
+  for (double& edge : edges) {
+    const size_t comma = rest.find(',');
+    const bool isLast = &edge == &edges.back();
+    if (!ParseNumber(Trimmed(rest.substr(0, comma)), edge) || (comma == std::string_view::npos) != isLast) {
+      throw UsageError(fmt::format("{}: '{}' is not four numbers WEST,SOUTH,EAST,NORTH", option, text));
+    }
+    if (!isLast) rest.remove_prefix(comma + 1);
+  }
+  const auto [west, south, east, north] = edges;
+  if (!(west < east && south < north)) {
+    throw UsageError(fmt::format("{}: west must be below east, south below north", option));
+  }
+  return edges;
 }
 
 std::string ShortestNumber(double value) { return internal::ShortestNumber(value); }

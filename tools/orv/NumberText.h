@@ -1,6 +1,7 @@
 // NumberText.h: numbers, angles and words as the command line reads and writes them, in no locale.
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,10 @@ bool ParseInteger(std::string_view text, int& value);
 /// A number, or degrees with minutes and seconds as LatLonToDegrees reads them, with d, D or the degree sign
 /// (UTF-8) behind the degrees; prime signs (UTF-8) count as ' and ".
 bool ParseAngle(std::string_view text, double& degrees);
+
+/// The value of an option that is an area: WEST,SOUTH,EAST,NORTH, west below east and south below north.  Anything else
+/// raises UsageError with the option's name.
+std::array<double, 4> ReadArea(const char* option, const std::string& text);
 
 /// The shortest text that reads back as the same number, with an exponent only below 1e-6 and from 1e15 on.
 std::string ShortestNumber(double value);

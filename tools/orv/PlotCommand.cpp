@@ -4,12 +4,10 @@
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <memory>
 #include <string>
-#include <string_view>
 
 #include "tools/orv/Command.h"
 #include "tools/orv/MapClip.h"
@@ -82,26 +80,11 @@ bool RepeatsAtEveryTurn(ProjectionMethod method) {
 }
 
 /// "WEST,SOUTH,EAST,NORTH".
-Window ReadWindow(const std::string& text) {
-  std::array<double, 4> edges{};
-  std::string_view rest = text;
-  for (double& edge : edges) {
-    const size_t comma = rest.find(',');
-    const bool isLast = &edge == &edges.back();
-    if (!ParseNumber(Trimmed(rest.substr(0, comma)), edge) || (comma == std::string_view::npos) != isLast) {
-      throw UsageError(fmt::format("--within: '{}' is not four numbers WEST,SOUTH,EAST,NORTH", text));
-    }
-    if (!isLast) rest.remove_prefix(comma + 1);
-  }
-  const auto [west, south, east, north] = edges;
-  if (!(west < east && south < north)) {
-    throw UsageError("--within: west must be below east, south below north");
-  }
-  return {west, south, east, north};
-}
-
 Window WindowOf(const PlotArguments& arguments, const ProjectionParameters& p) {
-  if (!arguments.within.empty()) return ReadWindow(arguments.within);
+  if (!arguments.within.empty()) {
+    const auto [west, south, east, north] = ReadArea("--within", arguments.within);
+    return {west, south, east, north};
+  }
   const double lon = p.method == ProjectionMethodHotine || p.method == ProjectionMethodObliqueMercator
                          ? p.Lon1
                      : p.method == ProjectionMethodRobinson ? 0.0
