@@ -34,11 +34,6 @@ struct BenchOptions {
   bool json = false;
 };
 
-const ORVDef* Projected(const CSDef& system) {
-  const ORVDef* const def = system.Type() == CSTypeORV ? static_cast<const ORVDef*>(&system) : nullptr;
-  return def && def->HasProjection(false, true) ? def : nullptr;
-}
-
 /// Where the points lie when the options do not say: 3 degrees around the origin of the source's projection, or of the
 /// target's when the source has none; from the equator to 60 degrees north where the origin is on the equator.
 Area AreaOf(const CSDef& from, const CSDef& to) {

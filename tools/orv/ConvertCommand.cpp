@@ -69,16 +69,6 @@ using Clock = std::chrono::steady_clock;
 
 double Seconds(Clock::duration time) { return std::chrono::duration<double>(time).count(); }
 
-std::unique_ptr<CSDef> ReadSide(const char* option, const std::string& text) {
-  try {
-    return ReadSystem(text);
-  } catch (const UsageError& e) {
-    const bool bUnknown = std::string_view(e.what()).starts_with("unknown system");
-    throw UsageError(fmt::format("{}: {}{}", option, e.what(),
-                                 bUnknown ? "; orv list systems --search WORDS finds others" : ""));
-  }
-}
-
 int DecimalsOf(const ConvertOptions& options, const Conversion& conversion) {
   if (options.precision >= 0) return options.precision;
   if (!conversion.ToGeographic()) return 4;
@@ -129,8 +119,8 @@ void RunGeoJson(const ConvertOptions& options, const CSDef& from, const CSDef& t
 
 int RunConvert(const ConvertOptions& options) {
   const auto start = Clock::now();
-  const std::unique_ptr<CSDef> from = ReadSide("--from", options.from);
-  const std::unique_ptr<CSDef> to = ReadSide("--to", options.to);
+  const std::unique_ptr<CSDef> from = ReadSystem(options.from, "--from");
+  const std::unique_ptr<CSDef> to = ReadSystem(options.to, "--to");
   const Conversion conversion(*from, *to);
   InputFile input(options.file);
   ConvertTally tally;

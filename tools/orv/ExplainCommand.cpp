@@ -17,16 +17,9 @@ struct ExplainOptions {
   bool json = false;
 };
 
-std::unique_ptr<CSDef> ReadSide(const char* side, const std::string& text) {
-  try {
-    return ReadSystem(text);
-  } catch (const UsageError& e) {
-    throw UsageError(std::string(side) + " system: " + e.what());
-  }
-}
-
 int RunExplain(const ExplainOptions& options) {
-  const std::unique_ptr<CSDef> from = ReadSide("source", options.from), to = ReadSide("target", options.to);
+  const std::unique_ptr<CSDef> from = ReadSystem(options.from, "source system"),
+                               to = ReadSystem(options.to, "target system");
   const Explanation explanation = orv::Conversion::Create(*from, *to).Explain();
   WriteOutput(options.json ? explanation.ToJson() : explanation.ToText());
   return ExitAllDone;

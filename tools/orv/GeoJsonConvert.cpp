@@ -14,15 +14,11 @@
 #include "tools/orv/Descriptor.h"
 #include "tools/orv/JsonMembers.h"
 #include "tools/orv/NumberText.h"
+#include "tools/orv/SystemArgument.h"
 
 namespace orv::tool {
 
 namespace {
-
-const ORVDef* Projected(const CSDef& system) {
-  const ORVDef* const def = system.Type() == CSTypeORV ? static_cast<const ORVDef*>(&system) : nullptr;
-  return def && def->HasProjection(false, true) ? def : nullptr;
-}
 
 /// How deep the positions of a type lie in its coordinates: 0 for a point; -1 for what has none.
 int DepthOf(std::string_view type) {

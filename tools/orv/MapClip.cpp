@@ -6,15 +6,15 @@
 #include "orv/projection/internal/ClipPolygon.h"
 #include "orv/system/ORVDef.h"
 #include "tools/orv/Command.h"
+#include "tools/orv/SystemArgument.h"
 
 namespace orv::tool {
 
 namespace {
 
-const ORVDef& Projected(const CSDef& system) {
-  const ORVDef* const def = system.Type() == CSTypeORV ? static_cast<const ORVDef*>(&system) : nullptr;
-  if (!def || !def->HasProjection(false, true)) throw UsageError("the system has no projection");
-  return *def;
+const ORVDef& NeedProjected(const CSDef& system) {
+  if (const ORVDef* const def = Projected(system)) return *def;
+  throw UsageError("the system has no projection");
 }
 
 ORVDef Geographic(const ORVDef& system) {
@@ -78,9 +78,9 @@ void Count(size_t pieces, bool bWhole, ClipTally& tally) {
 }  // namespace
 
 MapClip::MapClip(const CSDef& system)
-    : m_Definition(*Projected(system).GetProjection()),
+    : m_Definition(*NeedProjected(system).GetProjection()),
       m_Projector(m_Definition),
-      m_ToMap(Geographic(Projected(system)), system) {}
+      m_ToMap(Geographic(NeedProjected(system)), system) {}
 
 void MapClip::Project(Line& line, ClipTally& tally) const {
   if (line.empty()) return;

@@ -1,5 +1,7 @@
 #include "tools/orv/SystemArgument.h"
 
+#include <string_view>
+
 #include "orv/convert/SystemText.h"
 #include "orv/core/Error.h"
 #include "orv/shared/Exception.h"
@@ -34,6 +36,21 @@ std::unique_ptr<CSDef> ReadSystem(const std::string& text) {
     if (e.Code() != ErrBadParameter) throw;
     throw UsageError(e.Message());
   }
+}
+
+std::unique_ptr<CSDef> ReadSystem(const std::string& text, const std::string& name) {
+  try {
+    return ReadSystem(text);
+  } catch (const UsageError& e) {
+    const bool bUnknown = std::string_view(e.what()).starts_with("unknown system");
+    throw UsageError(name + ": " + e.what() +
+                     (bUnknown ? "; orv list systems --search WORDS finds others" : ""));
+  }
+}
+
+const ORVDef* Projected(const CSDef& system) {
+  const ORVDef* const def = system.Type() == CSTypeORV ? static_cast<const ORVDef*>(&system) : nullptr;
+  return def && def->HasProjection(false, true) ? def : nullptr;
 }
 
 }  // namespace orv::tool

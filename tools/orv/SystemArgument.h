@@ -5,6 +5,7 @@
 #include <string>
 
 #include "orv/system/CSDef.h"
+#include "orv/system/ORVDef.h"
 
 namespace orv::tool {
 
@@ -15,5 +16,10 @@ extern const char* const kSystemArgumentHelp;
 ///
 /// Raised: UsageError with what is wrong; shr::Exception from the catalogue.
 std::unique_ptr<CSDef> ReadSystem(const std::string& text);
+/// The same of one of several; messages begin with the one's name, and tell how to find a system that is not known.
+std::unique_ptr<CSDef> ReadSystem(const std::string& text, const std::string& name);
+
+/// The system when it is georeferenced and projected, else null.
+const ORVDef* Projected(const CSDef& system);
 
 }  // namespace orv::tool
