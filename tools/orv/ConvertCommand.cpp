@@ -15,6 +15,7 @@
 #include "tools/orv/ConvertRun.h"
 #include "tools/orv/GeoJsonConvert.h"
 #include "tools/orv/SystemArgument.h"
+#include "tools/orv/VectorConvert.h"
 
 namespace orv::tool {
 
@@ -40,6 +41,10 @@ const char* const kTextHelp =
     "polygons are clipped to what the target's projection shows (--no-clip: not); what is cut off is no loss, and one that\n"
     "is cut loses its heights, which is told.  A position that has no place is left out and reported, and makes the exit\n"
     "status 1.  The whole file is held in memory.\n"
+    "Other vector files (.shp .gpkg .gml .kml .fgb .tab .mif ..., or --format with GDAL's name of the format) are read by\n"
+    "GDAL, where the module for it is installed (in lib/orvcore, or in the folder that ORV_MODULE_PATH names): all layers\n"
+    "with their fields, clipped like GeoJSON.  Without --from each layer's own system is taken.  Written is the file that\n"
+    "--output names, in the format of its extension or of --output-format; GeoJSON to standard output without it.\n"
     "Binary: pairs of little-endian 64-bit floating-point numbers, x then y; a point without a result is NaN NaN and\n"
     "is reported as \"orv: point N: ...\".\n";
 
@@ -57,6 +62,8 @@ struct ConvertOptions {
   std::string separator = "auto";
   int precision = -1;
   std::string format = "auto";
+  std::string output;
+  std::string outputFormat;
   std::string report;
   bool noClip = false;
   size_t jobs = 0;
@@ -106,19 +113,54 @@ bool IsGeoJson(const ConvertOptions& options) {
                                          (name.ends_with(".geojson") || name.ends_with(".json")));
 }
 
+/// Whether GDAL is to read it, or to write what comes of it.
+bool IsVector(const ConvertOptions& options) {
+  if (options.binary) return false;
+  if (!options.output.empty() || !options.outputFormat.empty()) return true;
+  return options.format == "auto" ? IsNamedLikeVectorFile(options.file)
+                                  : options.format != "text" && options.format != "geojson";
+}
+
+void TellClipped(const ClipTally& clipped) {
+  if (clipped.clipped + clipped.dropped == 0) return;
+  Note(fmt::format("{} lines and polygons whole, {} clipped, {} of them split, {} dropped", clipped.whole,
+                   clipped.clipped, clipped.split, clipped.dropped));
+}
+
 void RunGeoJson(const ConvertOptions& options, const CSDef& from, const CSDef& to,
                 const Conversion& conversion, ConvertTally& tally) {
   if (options.latFirst) throw UsageError("--lat-first: positions of GeoJSON are longitude, latitude");
   ClipTally clipped;
   ConvertGeoJson(ReadFile(options.file), options.file, from, to,
                  {!options.noClip, DecimalsOf(options, conversion)}, tally, clipped);
-  if (clipped.clipped + clipped.dropped == 0) return;
-  Note(fmt::format("{} lines and polygons whole, {} clipped, {} of them split, {} dropped", clipped.whole,
-                   clipped.clipped, clipped.split, clipped.dropped));
+  TellClipped(clipped);
+}
+
+int RunVector(const ConvertOptions& options) {
+  if (options.latFirst) throw UsageError("--lat-first: vector files hold longitude before latitude");
+  if (options.format == "text") throw UsageError("--output: points in lines of text go to standard output");
+  const std::unique_ptr<CSDef> from = options.from.empty() ? nullptr : ReadSystem(options.from, "--from");
+  const std::unique_ptr<CSDef> to = ReadSystem(options.to, "--to");
+  VectorOptions vector;
+  vector.input = options.file;
+  if (options.format != "auto") vector.inputFormat = options.format;
+  vector.output = options.output;
+  vector.outputFormat = options.outputFormat;
+  vector.pFrom = from.get();
+  vector.bClip = !options.noClip;
+  vector.decimals = options.precision;
+  ConvertTally tally;
+  ClipTally clipped;
+  ConvertVectorFile(vector, *to, tally, clipped);
+  TellClipped(clipped);
+  if (!options.report.empty()) WriteReport(options, tally, false);
+  return tally.Lost() == 0 ? ExitAllDone : ExitSomeLost;
 }
 
 int RunConvert(const ConvertOptions& options) {
   const auto start = Clock::now();
+  if (IsVector(options)) return RunVector(options);
+  if (options.from.empty()) throw UsageError("--from is required");
   const std::unique_ptr<CSDef> from = ReadSystem(options.from, "--from");
   const std::unique_ptr<CSDef> to = ReadSystem(options.to, "--to");
   const Conversion conversion(*from, *to);
@@ -156,9 +198,10 @@ void AddConvertCommand(CLI::App& app, int& status) {
   CLI::App* const command =
       app.add_subcommand("convert", "Convert points, written in the order and form in which they were read");
   const auto options = std::make_shared<ConvertOptions>();
-  command->add_option("--from,-f", options->from, "System of the points that are read")
-      ->type_name("DEF")
-      ->required();
+  command
+      ->add_option("--from,-f", options->from,
+                   "System of the points that are read; needed but for vector files, which may tell it")
+      ->type_name("DEF");
   command->add_option("--to,-t", options->to, "System of the points that are written")
       ->type_name("DEF")
       ->required();
@@ -189,12 +232,20 @@ void AddConvertCommand(CLI::App& app, int& status) {
                    "File for a report as JSON: how many points met which fate, the first of each")
       ->type_name("FILE");
   command
-      ->add_option("--format", options->format,
-                   "What the file holds; auto goes by its name: .geojson and .json")
-      ->check(CLI::IsMember({"auto", "text", "geojson"}))
+      ->add_option(
+          "--format", options->format,
+          "What the file holds: text, geojson, or a format by GDAL's name; auto goes by the file's name")
+      ->type_name("NAME")
       ->capture_default_str();
-  command->add_flag("--no-clip", options->noClip,
-                    "Convert GeoJSON position by position instead of clipping it to what the target shows");
+  command->add_option("--output,-o", options->output, "Vector file to write, which must not be there yet")
+      ->type_name("FILE");
+  command
+      ->add_option("--output-format", options->outputFormat,
+                   "Its format, by GDAL's name, when its extension does not tell")
+      ->type_name("NAME");
+  command->add_flag(
+      "--no-clip", options->noClip,
+      "Convert geometries position by position instead of clipping it to what the target shows");
   command->add_flag("--binary,-b", options->binary, "Read and write binary data");
   command->add_flag("--stats", options->stats,
                     "Say on standard error how many points went through and how fast");

@@ -3,16 +3,9 @@
 
 #include <string>
 
-#include "tools/orv/Conversion.h"
-#include "tools/orv/ConvertTally.h"
-#include "tools/orv/MapClip.h"
+#include "tools/orv/GeometryConvert.h"
 
 namespace orv::tool {
-
-struct GeoJsonOptions {
-  bool bClip = true;
-  int decimals = 9;
-};
 
 /// Writes the text to standard output with its geometries converted: those of features, of collections, or a bare one.
 /// All else stays byte for byte, but for the members "bbox" and "crs" of a feature, a collection or a bare geometry,

@@ -24,9 +24,9 @@ constexpr Signature kSignatures[] = {
      "is UTF-16 text: make it UTF-8 first, as in iconv -f UTF-16 -t UTF-8 FILE | orv convert ..."},
     {"\xFE\xFF"sv,
      "is UTF-16 text: make it UTF-8 first, as in iconv -f UTF-16 -t UTF-8 FILE | orv convert ..."},
-    {"\0\0\x27\x0A"sv, "is a shapefile: make it GeoJSON first"},
+    {"\0\0\x27\x0A"sv, "is a shapefile: give its name, FILE.shp, and not its content"},
     {"{"sv, "is JSON, not lines of points: give --format geojson when it is GeoJSON"},
-    {"SQLite format 3\0"sv, "is a database (GeoPackage?): make it GeoJSON first"},
+    {"SQLite format 3\0"sv, "is a database (GeoPackage?): give its name, FILE.gpkg, or --format GPKG"},
 };
 
 }  // namespace
