@@ -20,6 +20,8 @@
 namespace orv {
 
 struct Polyconic {
+  static constexpr int kInverseSteps = 50;  // of (18-9), (18-21)
+
   bool sphere;      // f is exactly 0
   double a;         // major radius, metres
   double lon0;      // Lon0, radians
@@ -33,9 +35,8 @@ namespace ORV_ISA {
 /// Radii: no point of any map is as far away.
 inline constexpr double kPolyconicFarthest = 100.0;
 
-/// Absolute, radians, and steps of (18-9), (18-21).
+/// Absolute, radians, of (18-9), (18-21).
 inline constexpr double kPolyconicTolerance = 1e-12;
-inline constexpr int kPolyconicSteps = 50;
 
 /// Radii, radians: an A that close to 0 is 0, and no latitude of another A is nearer to 0 than the second.
 inline constexpr double kPolyconicEquator = 1e-280, kPolyconicLowest = 1e-290;
@@ -57,44 +58,63 @@ inline Point Forward(const Polyconic& c, Point p) {
   return {x, y};
 }
 
-inline Point Inverse(const Polyconic& c, Point p) {
+/// A search for phi, the root of d - (C/2)(x^2 + d^2), d = A - M/a, C = sqrt(1 - e2 sin^2 phi) tan phi (18-20), which
+/// is positive at the Equator and negative at the pole.
+struct PolyconicSearch {
+  Lanes x, A;            // (18-7), (18-18), radii; A without its sign.  0 and 1 in lanes that need no search.
+  Lanes phi, low, high;  // the last trial, and what encloses the root
+  Mask active;
+};
+
+/// (18-7), (18-18): x and A of a point, in radii, and the points that are no image or lie on the Equator.
+struct PolyconicPoint {
+  Lanes x, A;
+  Mask far, equator;
+};
+inline PolyconicPoint PolyconicPointOf(const Polyconic& c, Point p) {
   const double inverseA = 1.0 / c.a;
-  const Lanes x0 = p.x * inverseA, A0 = (c.m0 + p.y) * inverseA;  // (18-7), (18-18)
-  const Mask far = FartherThan(x0, A0, kPolyconicFarthest);
-  const Mask equator = abs(A0) < kPolyconicEquator;
-  const Lanes x = Except(x0, far, 0.0), A = Except(abs(A0), far | equator, 1.0);
-  // phi is the root of d - (C/2)(x^2 + d^2), d = A - M/a, C = sqrt(1 - e2 sin^2 phi) tan phi (18-20), which
-  // is positive at the Equator and negative at the pole.  The first trial is its root for small latitudes.
-  const Lanes start = A / (1.0 + 0.5 * (x * x));
-  Lanes phi = start < kHalfPi ? start : Splat(kHalfPi);
-  Lanes low = Splat(kPolyconicLowest), high = Splat(kHalfPi);
-  Mask active = start == start;
-  for (int i = 0; i < kPolyconicSteps && Any(active); ++i) {
-    const SinCos f = sincos(phi);
-    const Lanes w2 = 1.0 - c.e2 * Square(f.sin), w = sqrt(w2);
-    const Lanes C = w * f.sin / f.cos;
-    const Lanes d = A - PolyconicArc(c, phi, f) * inverseA;
-    const Lanes r2 = x * x + d * d;
-    const Lanes g = d - 0.5 * C * r2;          // the numerator of (18-9), (18-21)
-    const Lanes M1 = (1.0 - c.e2) / (w2 * w);  // (18-17)
-    // and its denominator, where C M' - 2/sin 2 phi is -cot phi/(1 - e2 sin^2 phi)
-    const Lanes slope = (0.5 * c.e2) * Square(f.cos) * r2 / w - d * f.cos / (f.sin * w2) - M1;
-    low = g > 0.0 ? phi : low;
-    high = g > 0.0 ? high : phi;
-    const Lanes newton = phi - g / Except(slope, slope == 0.0, 1.0);
-    const Mask enclosed = (newton >= low) & (newton <= high);
-    const Lanes next = enclosed ? newton : 0.5 * (low + high);
-    const Mask moving = abs(next - phi) > kPolyconicTolerance;
-    phi = active ? next : phi;
-    active = active & moving;
-  }
-  const SinCos f = sincos(phi);
+  const Lanes x = p.x * inverseA, A = (c.m0 + p.y) * inverseA;
+  const Mask far = FartherThan(x, A, kPolyconicFarthest), equator = abs(A) < kPolyconicEquator;
+  return {x, A, far, equator};
+}
+
+inline PolyconicSearch BeginInverse(const Polyconic& c, Point p) {
+  const PolyconicPoint at = PolyconicPointOf(c, p);
+  const Lanes x = Except(at.x, at.far, 0.0), A = Except(abs(at.A), at.far | at.equator, 1.0);
+  const Lanes start = A / (1.0 + 0.5 * (x * x));  // the root for small latitudes
+  const Mask active = start == start;
+  return {x, A, start < kHalfPi ? start : Splat(kHalfPi), Splat(kPolyconicLowest), Splat(kHalfPi), active};
+}
+
+inline void StepInverse(const Polyconic& c, PolyconicSearch& s) {
+  const SinCos f = sincos(s.phi);
+  const Lanes w2 = 1.0 - c.e2 * Square(f.sin), w = sqrt(w2);
+  const Lanes C = w * f.sin / f.cos;
+  const Lanes d = s.A - PolyconicArc(c, s.phi, f) * (1.0 / c.a);
+  const Lanes r2 = s.x * s.x + d * d;
+  const Lanes g = d - 0.5 * C * r2;          // the numerator of (18-9), (18-21)
+  const Lanes M1 = (1.0 - c.e2) / (w2 * w);  // (18-17)
+  // and its denominator, where C M' - 2/sin 2 phi is -cot phi/(1 - e2 sin^2 phi)
+  const Lanes slope = (0.5 * c.e2) * Square(f.cos) * r2 / w - d * f.cos / (f.sin * w2) - M1;
+  s.low = g > 0.0 ? s.phi : s.low;
+  s.high = g > 0.0 ? s.high : s.phi;
+  const Lanes newton = s.phi - g / Except(slope, slope == 0.0, 1.0);
+  const Mask enclosed = (newton >= s.low) & (newton <= s.high);
+  const Lanes next = enclosed ? newton : 0.5 * (s.low + s.high);
+  const Mask moving = abs(next - s.phi) > kPolyconicTolerance;
+  s.phi = s.active ? next : s.phi;
+  s.active = s.active & moving;
+}
+
+inline Point EndInverse(const Polyconic& c, Point p, const PolyconicSearch& s) {
+  const PolyconicPoint at = PolyconicPointOf(c, p);
+  const SinCos f = sincos(s.phi);
   const Lanes C = sqrt(1.0 - c.e2 * Square(f.sin)) * f.sin / f.cos;
-  const Lanes d = A - PolyconicArc(c, phi, f) * inverseA;
-  const Lanes L = atan2(x * C, 1.0 - d * C) / f.sin;  // (18-10), (18-22)
-  const Mask pole = f.cos <= kAtPole, bad = active | far | (start != start);
-  const Lanes lambda = c.lon0 + Except(Except(L, pole, 0.0), equator, x);
-  return {lambda, Except(Except(WithSign(phi, A0), equator, 0.0), bad, kNaN)};
+  const Lanes d = s.A - PolyconicArc(c, s.phi, f) * (1.0 / c.a);
+  const Lanes L = atan2(s.x * C, 1.0 - d * C) / f.sin;  // (18-10), (18-22)
+  const Mask pole = f.cos <= kAtPole, nan = (at.x != at.x) | (at.A != at.A), bad = s.active | at.far | nan;
+  const Lanes lambda = c.lon0 + Except(Except(L, pole, 0.0), at.equator, s.x);
+  return {lambda, Except(Except(WithSign(s.phi, at.A), at.equator, 0.0), bad, kNaN)};
 }
 
 }  // namespace ORV_ISA
