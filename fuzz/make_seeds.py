@@ -226,16 +226,18 @@ def well_known_text():
     wgs84 = 'GEOGCRS["WGS 84",DATUM["World Geodetic System 1984",ELLIPSOID["WGS 84",6378137,298.257223563]],ID["EPSG",4326]]'
     wkt2 = ('PROJCRS["x",BASEGEOGCRS["x",DATUM["x",ELLIPSOID["b",6377397,299]]],CONVERSION["c",METHOD["Polar Stereographic (variant '
             'B)",ID["EPSG",9829]],PARAMETER["Latitude of standard parallel",71,ANGLEUNIT["degree",0.0174532925199433]],PARAMETER['
-            '"Longitude of origin",-45]],CS[Cartesian,2],AXIS["e",south,MERIDIAN[45]],AXIS["n",south,MERIDIAN[135]],LENGTHUNIT["m",1]]')
+            '"Longitude of origin",-45,ANGLEUNIT["degree",0.0174532925199433]]],CS[Cartesian,2],AXIS["e",south,MERIDIAN[45,ANGLEUNIT["degree",0.0174532925199433]]],AXIS["n",south,MERIDIAN[135]],LENGTHUNIT["m",1]]')
     write("wkt", {
         "wkt1": wkt1,
         "geographic": base,
         "wkt2": wkt2,
         "bound": f'BOUNDCRS[SOURCECRS[{geographic2}],TARGETCRS[{wgs84}],ABRIDGEDTRANSFORMATION["t",METHOD["Coordinate Frame"],'
-                 'PARAMETER["X-axis translation",1],PARAMETER["Z-axis rotation",2],PARAMETER["Scale difference",1.000001]]]',
+                 + ",".join(f'PARAMETER["{axis}-axis {what}",{value}]' for what, value in [("translation", 1), ("rotation", 2)]
+                            for axis in "XYZ") + ',PARAMETER["Scale difference",1.000001]]]',
         "lambert": wkt1.replace("Transverse_Mercator", "Lambert_Conformal_Conic_1SP"),
-        "hotine": wkt1.replace("Transverse_Mercator", "Hotine_Oblique_Mercator").replace("scale_factor", "azimuth"),
-        "extension": wkt1.replace(axes, ',EXTENSION["PROJ4","+proj=merc +a=6377397.155 +b=6377397.155 +nadgrids=@null"]'),
+        "hotine": wkt1.replace("Transverse_Mercator", "Hotine_Oblique_Mercator").replace("PARAMETER[", 'PARAMETER["azimuth",1],PARAMETER[', 1),
+        "extension": wkt1.replace(axes, ',EXTENSION["PROJ4","+proj=cass +lat_0=50 +lon_0=9 +ellps=bessel '
+                                   '+towgs84=598.1,73.7,418.2,0.202,0.045,-2.455,6.7"]'),
         "utm": "+proj=utm +zone=33 +south +datum=WGS84 +units=us-ft +no_defs",
         "lcc": "+proj=lcc +lat_1=49 +lat_2=44 +lat_0=46.5 +lon_0=3 +x_0=700000 +ellps=GRS80 +towgs84=0,0,0 +pm=paris",
         "far": "+proj=longlat +ellps=intl +towgs84=1e39,0,0",

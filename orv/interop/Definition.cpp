@@ -198,9 +198,10 @@ bool MeansDatum(const TextSystem& t, const DatumDef& own, const DatumDef& entry)
     const EllipsoidDef& e = *entry.GetEllipsoid();
     return e.IsUnknown() || IsSameFigure(e, t.a, t.f);
   }
-  // Another way of the same datum, as the area of the system wants it.
+  // Another way of the same datum, as the area of the system wants it.  Datums without a way compare equal among each
+  // other, which tells nothing.
   return (own.GetPOSCNumber() != 0 && own.GetPOSCNumber() == entry.GetPOSCNumber()) ||
-         own.CompareParameters(&entry);
+         (!own.IsUnknown() && own.CompareParameters(&entry));
 }
 
 /// The known system on a datum that draws this map, or null: its projection differs from those on other datums.
@@ -245,11 +246,14 @@ bool MeansShifted(const TextSystem& t, const EllipsoidDef& ellipsoid, const ORVD
 /// The known system that the text's code means, or without a code its name, if it draws the map on that datum.
 const ORVDef* SystemMeant(const TextSystem& t, const EllipsoidDef& ellipsoid, const Map& map,
                           const DatumDef& datum) {
+  // A datum that is not known and has a name of its own is not that of a system of the same name: only a code says so.
+  const bool isOwnDatum = datum.IsUnknown() && !datum.GetToken() && !IsUnnamedDatum(t.datumName);
+  const bool nameCounts = !t.isNameRemark && !isOwnDatum;
   for (int pos = ORVKnownSystemsList.First(); pos <= ORVKnownSystemsList.Last(); ++pos) {
     const ORVDef* const system = KnownSystemAt(pos);
     if (!system) continue;
-    const bool isNamed =
-        t.code > 0 ? system->GetPOSC() == t.code : EqualBare(ShortNameOf(system->GetName()), t.name.c_str());
+    const bool isNamed = t.code > 0 ? system->GetPOSC() == t.code
+                                    : nameCounts && EqualBare(ShortNameOf(system->GetName()), t.name.c_str());
     if (!isNamed || system->HasWarp() || !system->HasDatum(false) || !system->HasProjection(false, false)) {
       continue;
     }

@@ -1,6 +1,7 @@
 #include "orv/interop/internal/KnownNames.h"
 
 #include <cmath>
+#include <cstring>
 #include <string_view>
 
 #include "orv/core/internal/Text.h"
@@ -169,6 +170,14 @@ std::string WithoutEnsemble(const std::string& name) {
   return isEnsemble ? name.substr(0, name.size() - kEnsemble.size()) : name;
 }
 
+bool IsUnnamedDatum(const std::string& name) {
+  const std::string common = CommonName(name);
+  for (const char* const word : {"unknown", "unnamed", "notspecified"}) {
+    if (common.compare(0, std::strlen(word), word) == 0) return true;
+  }
+  return common.empty();
+}
+
 const DatumDef* KnownDatumOf(const TextSystem& text) {
   const DatumList& known = ORVKnownDatumsList;
   if (text.datumCode > 0) {
@@ -180,8 +189,8 @@ const DatumDef* KnownDatumOf(const TextSystem& text) {
     const int index = known.FindByPOSCNumber(row.code, nullptr, known.First());
     if (index != 0 && FitsEllipsoid(*known.Enum(index), text)) return known.Enum(index);
   }
-  const std::string asked = CommonName(text.datumName), base = CommonName(text.baseName);
-  if (asked.empty() || asked == "unknown") return nullptr;
+  const std::string asked = CommonName(text.datumName);
+  if (IsUnnamedDatum(text.datumName)) return nullptr;
   for (int index = known.First(); index <= known.Last(); ++index) {
     if (CommonName(known.EnumName(index)) == asked && FitsEllipsoid(*known.Enum(index), text))
       return known.Enum(index);
@@ -189,8 +198,7 @@ const DatumDef* KnownDatumOf(const TextSystem& text) {
   for (int pos = ORVKnownSystemsList.First(); pos <= ORVKnownSystemsList.Last(); ++pos) {
     const ORVDef* const system = KnownSystemAt(pos);
     if (!system || !system->HasDatum(false) || system->HasProjection(false, true)) continue;
-    const std::string name = CommonName(system->GetShortName());
-    if ((name == asked || name == base) && FitsEllipsoid(*system->GetDatum(), text))
+    if (CommonName(system->GetShortName()) == asked && FitsEllipsoid(*system->GetDatum(), text))
       return system->GetDatum();
   }
   return nullptr;

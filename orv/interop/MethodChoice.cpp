@@ -182,6 +182,8 @@ class ToText {
     if (p.method != ProjectionMethodUTM) return;
     v[Par::X] = 500000.0 * m_Factor;
     v[Par::Y] = (p.bSouth ? 10000000.0 : 0.0) * m_Factor;
+    // "+proj=utm" is one of the ellipsoid: PROJ refuses the sphere there.
+    if (m_Dialect == TextDialectProj && p.ellipsoid.GetFlattening() == 0.0) return;
     const double zone = (p.Lon0 + 183.0) / 6.0;
     if (zone != std::floor(zone) || zone < 1.0 || zone > 60.0) return;
     if (v.At(Par::K) != 0.9996 || p.Lat0 != 0.0 || m_Factor != 1.0) return;
@@ -284,8 +286,10 @@ class ToText {
     if (!p.bRotate && p.bUOffset)
       Refuse("its axes are not rotated and u is counted from the centre, which the string cannot say");
     if (p.bUseAlpha) {
+      const double alpha = p.bUOffset ? std::remainder(p.Alpha, 360.0) : p.Alpha;
+      if (p.bUOffset && std::fabs(alpha) > 90.0) Refuse(kAzimuthBeyond90);
       const double azimuth =
-          std::fabs(std::fabs(p.Alpha) - kAzimuthBeside90) < 1e-9 ? std::copysign(90.0, p.Alpha) : p.Alpha;
+          std::fabs(std::fabs(alpha) - kAzimuthBeside90) < 1e-9 ? std::copysign(90.0, alpha) : alpha;
       v[Par::Lon0] = p.Lon1;
       v[Par::Azimuth] = v[Par::Gamma] = azimuth;
       Take(p.bUOffset ? Form::HotineB : Form::HotineA);

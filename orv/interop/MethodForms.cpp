@@ -59,6 +59,9 @@ class FromText {
     const double k = v.Or(Par::K, 1.0);
     if (!(k > 0.0) || k > 1e6) Refuse("the scale factor is not above 0");
     CheckFigure();
+    for (const ParameterRow& row : *t.method) {
+      if (!t.hasDefaults && !row.isOptional && !IsLength(row.par)) Needed(row.par);
+    }
     Set(k);
     ProjectionDef definition;
     definition.SetParameters(&p);
@@ -70,11 +73,10 @@ class FromText {
  private:
   void Refuse(const char* reason) const {
     ORV_FAIL(ErrBadParameter, "Line %d, column %d: the projection '%s' cannot be expressed: %s.",
-             t.methodPlace.line, t.methodPlace.column,
-             t.method->wkt2   ? t.method->wkt2
-             : t.method->proj ? t.method->proj
-                              : t.method->gdal,
-             Unstopped(reason).c_str());
+             t.methodPlace.line, t.methodPlace.column, MethodName(), Unstopped(reason).c_str());
+  }
+  const char* MethodName() const {
+    return t.method->wkt2 ? t.method->wkt2 : t.method->proj ? t.method->proj : t.method->gdal;
   }
   static std::string Unstopped(std::string text) {
     if (!text.empty() && text.back() == '.') text.pop_back();
@@ -87,7 +89,7 @@ class FromText {
   double Needed(Par par) const {
     if (!v.Has(par)) {
       ORV_FAIL(ErrBadParameter, "Line %d, column %d: expected %s of the projection '%s'.", t.methodPlace.line,
-               t.methodPlace.column, ParName(par), t.method->wkt2 ? t.method->wkt2 : t.method->proj);
+               t.methodPlace.column, ParName(par), MethodName());
     }
     return v.At(par);
   }
@@ -136,9 +138,11 @@ class FromText {
         return;
       case Form::PolarOgc:
         if (std::fabs(p.Lat0) == 90.0) {
-          SetPolar(p.Lat0, k);
+          SetPolar(p.Lat0, Needed(Par::K));
         } else {
-          SetPolar(std::copysign(90.0, p.Lat0), PolarScale(p.Lat0, t.f) * k);
+          CheckParallel(p.Lat0);
+          if (k != 1.0) Refuse("it has both a standard parallel and a scale factor");
+          SetPolar(std::copysign(90.0, p.Lat0), PolarScale(p.Lat0, t.f));
         }
         return;
       case Form::PolarB:
@@ -151,7 +155,7 @@ class FromText {
       case Form::Albers:
       case Form::EquidistantConic:
         p.Lat1 = Needed(Par::Lat1);
-        p.Lat2 = v.Or(Par::Lat2, p.Lat1);
+        p.Lat2 = Needed(Par::Lat2);
         Rescale(p, k);
         return;
       case Form::HotineA:
@@ -284,15 +288,19 @@ class FromText {
     p.Lat0 = pole;
     p.K0 = k;
   }
+  void CheckParallel(double parallel) const {
+    if (std::fabs(parallel) < 0.001 || std::fabs(parallel) > 90.0)
+      Refuse("the standard parallel is none of a polar map");
+  }
   void SetPolarParallel(double k) {
     const double parallel = Needed(Par::Lat1);
     if (v.Has(Par::Lat0) && std::fabs(p.Lat0) == 90.0) {
       if (p.Lat0 * parallel < 0.0) Refuse("the pole and the standard parallel lie in different hemispheres");
     } else {
+      if (v.Has(Par::Lat0)) Refuse("its origin is not a pole");
       p.Lat0 = parallel < 0.0 ? -90.0 : 90.0;
     }
-    if (std::fabs(parallel) < 0.001 || std::fabs(parallel) > 90.0)
-      Refuse("the standard parallel is none of a polar map");
+    CheckParallel(parallel);
     if (t.method->form == Form::PolarC) {
       const double rho = t.a * ParallelRadius(parallel, t.f);  // [EPSG9]: the origin lies on the parallel
       p.yOrg += parallel < 0.0 ? -rho : rho;
@@ -310,10 +318,17 @@ class FromText {
     p.Lon0 = 0.0;
     p.K0 = k;
     p.bUseAlpha = true;
-    p.Alpha =
-        std::fabs(std::fabs(azimuth) - 90.0) < 1e-12 ? std::copysign(kAzimuthBeside90, azimuth) : azimuth;
     p.bRotate = !t.isUnrotated;
     p.bUOffset = t.method->form != Form::HotineA;
+    const double folded = std::remainder(azimuth, 360.0);
+    if (std::fabs(std::fabs(folded) - 90.0) < 1e-12) {
+      p.Alpha = std::copysign(kAzimuthBeside90, folded);
+    } else if (!p.bUOffset) {
+      p.Alpha = azimuth;
+    } else {
+      if (std::fabs(folded) > 90.0) Refuse(kAzimuthBeyond90);
+      p.Alpha = folded;
+    }
   }
 
   const TextSystem& t;

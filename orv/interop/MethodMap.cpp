@@ -10,6 +10,11 @@ namespace {
 
 // ---- parameters ------------------------------------------------------------------------------------------
 
+constexpr ParameterRow Optional(ParameterRow row) {
+  row.isOptional = true;
+  return row;
+}
+
 constexpr ParameterRow kEnd       = {Par::Count, 0, nullptr, nullptr, nullptr, nullptr};
 constexpr ParameterRow kLat       = {Par::Lat0, 8801, "Latitude of natural origin",        "latitude_of_origin",   "Latitude_Of_Origin",  "lat_0"};
 constexpr ParameterRow kLatCenter = {Par::Lat0, 8801, "Latitude of natural origin",        "latitude_of_center",   "Latitude_Of_Origin",  "lat_0"};
@@ -29,14 +34,14 @@ constexpr ParameterRow kFalseY    = {Par::Y,    8827, "Northing at false origin"
 constexpr ParameterRow kCentreLat = {Par::Lat0, 8811, "Latitude of projection centre",     "latitude_of_center",   "Latitude_Of_Center",  "lat_0"};
 constexpr ParameterRow kCentreLon = {Par::Lon0, 8812, "Longitude of projection centre",    "longitude_of_center",  "Longitude_Of_Center", "lonc"};
 constexpr ParameterRow kAzimuth   = {Par::Azimuth, 8813, "Azimuth of initial line",        "azimuth",              "Azimuth",             "alpha"};
-constexpr ParameterRow kGamma     = {Par::Gamma, 8814, "Angle from Rectified to Skew Grid", "rectified_grid_angle", nullptr,              "gamma"};
+constexpr ParameterRow kGamma     = Optional({Par::Gamma, 8814, "Angle from Rectified to Skew Grid", "rectified_grid_angle", nullptr,     "gamma"});
 constexpr ParameterRow kCentreK   = {Par::K,    8815, "Scale factor on initial line",      "scale_factor",         "Scale_Factor",        "k"};
 constexpr ParameterRow kCentreX   = {Par::X,    8816, "Easting at projection centre",      "false_easting",        "False_Easting",       "x_0"};
 constexpr ParameterRow kCentreY   = {Par::Y,    8817, "Northing at projection centre",     "false_northing",       "False_Northing",      "y_0"};
 constexpr ParameterRow kTrueLat   = {Par::Lat1, 8823, "Latitude of 1st standard parallel", "standard_parallel_1",  "Standard_Parallel_1", "lat_ts"};
 constexpr ParameterRow kPolarLat  = {Par::Lat1, 8832, "Latitude of standard parallel",     nullptr,                "Standard_Parallel_1", "lat_ts"};
 constexpr ParameterRow kPolarLon  = {Par::Lon0, 8833, "Longitude of origin",               "central_meridian",     "Central_Meridian",    "lon_0"};
-constexpr ParameterRow kFlatLat   = {Par::Lat0, 8801, "Latitude of natural origin",        "latitude_of_origin",   nullptr,               nullptr};  // must be 0
+constexpr ParameterRow kFlatLat   = Optional({Par::Lat0, 8801, "Latitude of natural origin", "latitude_of_origin",   nullptr,               nullptr});  // must be 0
 
 // ---- methods ---------------------------------------------------------------------------------------------
 
@@ -54,29 +59,29 @@ const MethodRow kMethods[] = {
     {Form::Lambert2, kLambert, Figure::Any, 9802, "Lambert Conic Conformal (2SP)", "Lambert_Conformal_Conic_2SP", "Lambert_Conformal_Conic", "lcc",
      {kFalseLat, kFalseLon, kLat1, kLat2, kFalseX, kFalseY, kEnd}},
     {Form::Lambert1, kLambert, Figure::Any, 9801, "Lambert Conic Conformal (1SP)", "Lambert_Conformal_Conic_1SP", "Lambert_Conformal_Conic", "lcc",
-     {kLat, kLon, kK, kX, kY, {Par::Lat1, 0, nullptr, nullptr, "Standard_Parallel_1", "lat_1"}, kEnd}},
+     {kLat, kLon, kK, kX, kY, Optional({Par::Lat1, 0, nullptr, nullptr, "Standard_Parallel_1", "lat_1"}), kEnd}},
     {Form::LambertBelgium, kLambert, Figure::Any, 9803, "Lambert Conic Conformal (2SP Belgium)", "Lambert_Conformal_Conic_2SP_Belgium", nullptr, nullptr,
      {kFalseLat, kFalseLon, kLat1, kLat2, kFalseX, kFalseY, kEnd}},
     {Form::MercatorA, kMercator, Figure::Any, 9804, "Mercator (variant A)", "Mercator_1SP", "Mercator_Variant_A", "merc",
      {kFlatLat, kLon, kK, kX, kY, kEnd}},
     {Form::MercatorB, kMercator, Figure::Any, 9805, "Mercator (variant B)", "Mercator_2SP", "Mercator", "merc",
-     {kTrueLat, kLon, kX, kY, {Par::Lat0, 0, nullptr, nullptr, nullptr, nullptr}, kEnd}},
+     {kTrueLat, kLon, kX, kY, Optional({Par::Lat0, 0, nullptr, nullptr, nullptr, nullptr}), kEnd}},
     {Form::PseudoMercator, kMercator, Figure::Any, 1024, "Popular Visualisation Pseudo Mercator", nullptr, "Mercator_Auxiliary_Sphere", "webmerc",
-     {kFlatLat, kLon, kX, kY, {Par::Lat1, 0, nullptr, nullptr, "Standard_Parallel_1", nullptr}, {Par::Zero, 0, nullptr, nullptr, "Auxiliary_Sphere_Type", nullptr}, kEnd}},
+     {kFlatLat, kLon, kX, kY, Optional({Par::Lat1, 0, nullptr, nullptr, "Standard_Parallel_1", nullptr}), Optional({Par::Zero, 0, nullptr, nullptr, "Auxiliary_Sphere_Type", nullptr}), kEnd}},
     {Form::PolarA, kStereo, Figure::Any, 9810, "Polar Stereographic (variant A)", nullptr, "Polar_Stereographic_Variant_A", "stere",
      {kLat, kLon, kK, kX, kY, kEnd}},
     {Form::PolarB, kStereo, Figure::Any, 9829, "Polar Stereographic (variant B)", nullptr, "Stereographic_North_Pole", "stere",
-     {kPolarLat, kPolarLon, kX, kY, kEnd}},
+     {Optional({Par::Lat0, 0, nullptr, nullptr, nullptr, "lat_0"}), kPolarLat, kPolarLon, kX, kY, kEnd}},
     {Form::PolarC, kStereo, Figure::Any, 9830, "Polar Stereographic (variant C)", nullptr, nullptr, nullptr,
      {kPolarLat, kPolarLon, kFalseX, kFalseY, kEnd}},
     {Form::PolarOgc, kStereo, Figure::Any, 0, nullptr, "Polar_Stereographic", nullptr, nullptr,
-     {kLat, kLon, kK, kX, kY, kEnd}},
+     {kLat, kLon, Optional(kK), kX, kY, kEnd}},  // needed at the pole only
     {Form::Stereographic, kStereo, Figure::Any, 0, "Stereographic", "Stereographic", "Stereographic", "stere",
      {kLat, kLon, kK, kX, kY, kEnd}},
     {Form::Albers, ProjectionMethodAlbers, Figure::Any, 9822, "Albers Equal Area", "Albers_Conic_Equal_Area", "Albers", "aea",
      {kAlbersLat, kAlbersLon, kLat1, kLat2, kFalseX, kFalseY, kEnd}},
     {Form::Cassini, ProjectionMethodCassini, Figure::Any, 9806, "Cassini-Soldner", "Cassini_Soldner", "Cassini", "cass",
-     {kLat, kLon, kX, kY, {Par::K, 0, nullptr, nullptr, "Scale_Factor", nullptr}, kEnd}},
+     {kLat, kLon, kX, kY, Optional({Par::K, 0, nullptr, nullptr, "Scale_Factor", nullptr}), kEnd}},
     {Form::Polyconic, ProjectionMethodPolyconic, Figure::Any, 9818, "American Polyconic", "Polyconic", "Polyconic", "poly",
      {kLat, kLon, kX, kY, kEnd}},
     {Form::HotineA, kHotine, Figure::Any, 9812, "Hotine Oblique Mercator (variant A)", "Hotine_Oblique_Mercator", "Hotine_Oblique_Mercator_Azimuth_Natural_Origin", "omerc",
@@ -90,9 +95,9 @@ const MethodRow kMethods[] = {
       {Par::Lat2, 0, nullptr, nullptr, nullptr, "lat_2"}, {Par::Lon2, 0, nullptr, nullptr, nullptr, "lon_2"},
       kCentreK, kCentreX, kCentreY, kEnd}},
     {Form::SwissOblique, kHotine, Figure::Any, 0, nullptr, "Swiss_Oblique_Cylindrical", nullptr, "somerc",
-     {kLatCenter, kLon, kK, kX, kY, kEnd}},
+     {kLatCenter, kLon, Optional(kK), kX, kY, kEnd}},
     {Form::EquidistantCylindrical, ProjectionMethodEquidistantCylindrical, Figure::Sphere, 1029, "Equidistant Cylindrical (Spherical)", "Equirectangular", "Equidistant_Cylindrical", "eqc",
-     {kTrueLat, kLon, kX, kY, {Par::Lat0, 0, nullptr, nullptr, nullptr, "lat_0"}, kEnd}},
+     {Optional(kTrueLat), kLon, kX, kY, Optional({Par::Lat0, 0, nullptr, nullptr, nullptr, "lat_0"}), kEnd}},  // none: the Equator, "Plate_Carree"
     {Form::EquidistantConic, ProjectionMethodEquidistantConic, Figure::Any, 0, "Equidistant Conic", "Equidistant_Conic", "Equidistant_Conic", "eqdc",
      {kLatCenter, kLonCenter, kLat1, kLat2, kX, kY, kEnd}},
     {Form::Bonne, ProjectionMethodBonne, Figure::Any, 9827, "Bonne", "Bonne", "Bonne", "bonne",
@@ -100,7 +105,7 @@ const MethodRow kMethods[] = {
     {Form::Sinusoidal, ProjectionMethodSinusoidal, Figure::Any, 0, "Sinusoidal", "Sinusoidal", "Sinusoidal", "sinu",
      {kLonCenter, kX, kY, kEnd}},
     {Form::Miller, ProjectionMethodMiller, Figure::Sphere, 0, "Miller Cylindrical", "Miller_Cylindrical", "Miller_Cylindrical", "mill",
-     {kLonCenter, kX, kY, {Par::Lat0, 0, nullptr, nullptr, nullptr, "lat_0"}, kEnd}},
+     {kLonCenter, kX, kY, Optional({Par::Lat0, 0, nullptr, nullptr, nullptr, "lat_0"}), kEnd}},
     {Form::Mollweide, ProjectionMethodMollweide, Figure::Radius, 0, "Mollweide", "Mollweide", "Mollweide", "moll",
      {kLon, kX, kY, kEnd}},
     {Form::Eckert4, ProjectionMethodEckert4, Figure::Radius, 0, "Eckert IV", "Eckert_IV", "Eckert_IV", "eck4",
@@ -113,7 +118,8 @@ const MethodRow kMethods[] = {
      {kLat, kLon, kX, kY, kEnd}},
     {Form::Gnomonic, ProjectionMethodGnomonic, Figure::Sphere, 0, "Gnomonic", "Gnomonic", "Gnomonic", "gnom",
      {kLat, kLon, kX, kY, kEnd}},
-    {Form::AzimuthalEquidistant, ProjectionMethodAzimuthalEquidistant, Figure::Sphere, 1125, "Azimuthal Equidistant", "Azimuthal_Equidistant", "Azimuthal_Equidistant", "aeqd",
+    // On a sphere the modified one is the plain one, and PROJ 9.1 knows no number of the plain one.
+    {Form::AzimuthalEquidistant, ProjectionMethodAzimuthalEquidistant, Figure::Sphere, 9832, "Modified Azimuthal Equidistant", "Azimuthal_Equidistant", "Azimuthal_Equidistant", "aeqd",
      {kLatCenter, kLonCenter, kX, kY, kEnd}},
     {Form::LambertAzimuthal, ProjectionMethodLambertAzimuthal, Figure::Sphere, 1027, "Lambert Azimuthal Equal Area (Spherical)", "Lambert_Azimuthal_Equal_Area", "Lambert_Azimuthal_Equal_Area", "laea",
      {kLatCenter, kLonCenter, kX, kY, kEnd}},
@@ -142,7 +148,7 @@ constexpr AliasRow kAliases[] = {
     {Form::EquidistantCylindrical, 9842, "Plate_Carree"},
     {Form::Albers,                 0,    "Albers_Equal_Area_Conic"},
     {Form::LambertAzimuthal,       9820, "Lambert Azimuthal Equal Area"},
-    {Form::AzimuthalEquidistant,   9832, "Modified Azimuthal Equidistant"},
+    {Form::AzimuthalEquidistant,   1125, "Azimuthal Equidistant"},
     {Form::Mollweide,              0,    "Mollweide_Auxiliary_Sphere"},
     {Form::Miller,                 0,    "Miller"},
     {Form::EquidistantConic,       1119, "Equidistant Conic (EPSG)"},
@@ -274,6 +280,16 @@ const MethodRow* FindProjMethod(const std::string& proj) {
   return nullptr;
 }
 
+bool IsOtherMethod(const MethodRow& method, const std::string& name) {
+  const MethodRow* const named = FindMethod(name, 0);
+  if (!named || named->form == method.form) return false;
+  if (Names(method.wkt2, name) || Names(method.gdal, name) || Names(method.esri, name)) return false;
+  for (const AliasRow& row : kAliases) {
+    if (row.form == method.form && Names(row.name, name)) return false;
+  }
+  return true;
+}
+
 const char* WhyNotMethod(const std::string& name, int epsg) {
   for (const RefusedRow& row : kRefused) {
     if ((epsg > 0 && row.epsg == epsg) || Names(row.name, name)) return row.reason;
@@ -300,6 +316,21 @@ const ParameterRow* FindParameter(const MethodRow& method, const std::string& na
   for (const SynonymRow& row : kSynonyms) {
     if (!Names(row.name, name)) continue;
     if (const ParameterRow* const found = OfPar(method, row.par)) return found;
+  }
+  return nullptr;
+}
+
+const ParameterRow* FindProjParameter(const MethodRow& method, const std::string& key) {
+  for (const ParameterRow& row : method) {
+    if (row.proj && (key == "k_0" ? "k" : key) == row.proj) return &row;
+  }
+  return nullptr;
+}
+
+const ParameterRow* FindProjParameter(const std::string& proj, const std::string& key) {
+  for (const MethodRow& method : kMethods) {
+    if (!method.proj || proj != method.proj) continue;
+    if (const ParameterRow* const found = FindProjParameter(method, key)) return found;
   }
   return nullptr;
 }

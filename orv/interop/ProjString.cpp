@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
-#include <set>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "orv/core/internal/Fail.h"
 #include "orv/core/internal/Number.h"
@@ -19,15 +21,9 @@ namespace {
 constexpr size_t kLargestText = size_t{256} * 1024;
 constexpr size_t kMostKeys = 200;
 
-struct KeyRow {
-  const char* key;
-  Par par;
-};
-constexpr KeyRow kKeys[] = {{"lat_0", Par::Lat0},    {"lon_0", Par::Lon0},  {"lonc", Par::Lon0},
-                            {"lat_1", Par::Lat1},    {"lat_2", Par::Lat2},  {"lon_1", Par::Lon1},
-                            {"lon_2", Par::Lon2},    {"lat_ts", Par::Lat1}, {"k", Par::K},
-                            {"k_0", Par::K},         {"x_0", Par::X},       {"y_0", Par::Y},
-                            {"alpha", Par::Azimuth}, {"gamma", Par::Gamma}};
+// Of the projections; which of them a projection has is in the table of methods.
+constexpr const char* kKeys[] = {"lat_0",  "lon_0", "lonc", "lat_1", "lat_2", "lon_1", "lon_2",
+                                 "lat_ts", "k",     "k_0",  "x_0",   "y_0",   "alpha", "gamma"};
 // What changes no point of the plane.
 constexpr const char* kIdle[] = {"no_defs", "type", "wktext", "title", "approx", "no_cut"};
 
@@ -49,6 +45,7 @@ class Reader {
                               proj.value == "latlon";
     t.isGeographic = isGeographic;
     t.name = "unknown";
+    t.isNameRemark = true;
     if (const Item* const title = Find("title")) t.name = title->value;
     ReadMeridian();
     ReadFigure();
@@ -165,53 +162,77 @@ class Reader {
   }
 
   void ReadFigure() {
-    std::string ellipsoidId;
     t.datumName = "unknown";
+    bool isWhole = false;  // radius and flattening are said: nothing else may say others
     if (const Item* const item = Take("datum")) {
       const ProjDatum* const datum = FindProjDatum(item->value);
       if (!datum) Refuse(*item, "PROJ's documentation lists no such datum");
-      t.datumName = t.baseName = datum->name;
+      t.datumName = datum->name;
       t.datumCode = datum->code;
       t.hasShift = datum->hasShift;
       std::copy(datum->shift, datum->shift + 7, t.shift);
       t.isWgs84 = datum->code == 6326;
-      ellipsoidId = datum->ellipsoid;
+      TakeEllipsoid(*FindProjEllipsoid(datum->ellipsoid));
+      isWhole = true;
     }
     if (const Item* const item = Take("ellps")) {
-      if (!FindProjEllipsoid(item->value)) Refuse(*item, "PROJ's documentation lists no such ellipsoid");
-      ellipsoidId = item->value;
-    }
-    if (const ProjEllipsoid* const known = FindProjEllipsoid(ellipsoidId)) {
-      t.a = known->a;
-      t.f = Flattening(*known);
-      t.ellipsoidName = known->name;
+      const ProjEllipsoid* const known = FindProjEllipsoid(item->value);
+      if (!known) Refuse(*item, "PROJ's documentation lists no such ellipsoid");
+      if (isWhole) CheckFigure(*item, known->a, Flattening(*known));
+      TakeEllipsoid(*known);
     }
     if (const Item* const item = Take("R")) {
-      t.a = NumberOf(*item);
+      const double radius = NumberOf(*item);
+      if (t.a != 0.0) CheckFigure(*item, radius, 0.0);
+      t.a = radius;
       t.f = 0.0;
       t.ellipsoidName = "Sphere";
+      isWhole = true;
     }
     if (const Item* const item = Take("a")) {
-      t.a = NumberOf(*item);
-      t.ellipsoidName.clear();
+      const double radius = NumberOf(*item);
+      if (isWhole) {
+        CheckFigure(*item, radius, t.f);
+      } else {
+        t.a = radius;
+        t.ellipsoidName.clear();
+      }
     }
-    if (const Item* const item = Take("b")) {
-      const double b = NumberOf(*item);
-      t.f = t.a > 0.0 ? (t.a - b) / t.a : 0.0;
-      t.ellipsoidName.clear();
+    for (const char* const shape : {"rf", "f", "b"}) {
+      const Item* const item = Take(shape);
+      if (!item) continue;
+      const double flattening = FlatteningBy(shape, *item);
+      if (isWhole) {
+        CheckFigure(*item, t.a, flattening);
+      } else {
+        t.f = flattening;
+        t.ellipsoidName.clear();
+        isWhole = true;
+      }
     }
-    if (const Item* const item = Take("rf")) {
-      const double rf = NumberOf(*item);
-      if (!(rf > 1.0)) Refuse(*item, "its inverse flattening is not above 1");
-      t.f = 1.0 / rf;
-      t.ellipsoidName.clear();
-    }
-    if (const Item* const item = Take("f")) t.f = NumberOf(*item);
     if (t.a == 0.0) {
       ORV_FAIL(ErrCorrupt,
                "Line %d, column %d: expected an ellipsoid (+ellps, +datum, +R or +a) in a PROJ string.",
                t.place.line, t.place.column);
     }
+  }
+
+  void TakeEllipsoid(const ProjEllipsoid& known) {
+    t.a = known.a;
+    t.f = Flattening(known);
+    t.ellipsoidName = known.name;
+  }
+  /// That what is said once more of the ellipsoid is the same: to 1e-6 m and 1e-10.
+  void CheckFigure(const Item& item, double a, double f) const {
+    if (std::fabs(a - t.a) <= 1e-6 && std::fabs(f - t.f) <= 1e-10) return;
+    Refuse(item, "its ellipsoid is given twice, and differently");
+  }
+  double FlatteningBy(const std::string& shape, const Item& item) const {
+    const double value = NumberOf(item);
+    if (shape == "f") return value;
+    if (shape == "b") return t.a > 0.0 ? (t.a - value) / t.a : 0.0;
+    if (!(value > 1.0)) Refuse(item, "its inverse flattening is not above 1");
+    return 1.0 / value;
   }
 
   void ReadShift() {
@@ -244,6 +265,7 @@ class Reader {
 
   void ReadUnit() {
     double size = 1.0;
+    const bool isNamed = Find("units") != nullptr;
     if (const Item* const item = Take("units")) {
       const ProjUnit* const unit = FindProjUnit(item->value);
       if (!unit) Refuse(*item, "PROJ's documentation lists no such unit");
@@ -251,10 +273,12 @@ class Reader {
     }
     if (const Item* const item = Take("to_meter")) {
       const size_t slash = item->value.find('/');
-      size = NumberOf(*item, std::string_view(item->value).substr(0, slash));
-      if (slash != std::string::npos)
-        size /= NumberOf(*item, std::string_view(item->value).substr(slash + 1));
-      if (!(size >= 1e-12) || !(size <= 1e12)) Refuse(*item, "its unit is not of 1e-12 to 1e12 metres");
+      double own = NumberOf(*item, std::string_view(item->value).substr(0, slash));
+      if (slash != std::string::npos) own /= NumberOf(*item, std::string_view(item->value).substr(slash + 1));
+      if (!(own >= 1e-12) || !(own <= 1e12)) Refuse(*item, "its unit is not of 1e-12 to 1e12 metres");
+      if (isNamed && std::fabs(own / size - 1.0) > 1e-12)
+        Refuse(*item, "its unit is given twice, and differently");
+      size = own;
     }
     t.length = LengthUnit(size, 1e-13);
     if (t.length.code == 0) t.length.size = size;
@@ -279,37 +303,41 @@ class Reader {
       ReadZone(proj);
       return;
     }
-    const bool hasParallel = Find("lat_ts") != nullptr,
-               hasPoints = Find("lat_2") != nullptr || Find("lon_2") != nullptr;
-    std::set<Par> given;
-    for (const KeyRow& row : kKeys) {
-      const Item* const item = Take(row.key);
+    const std::string name = proj.value == "etmerc" ? "tmerc" : proj.value;
+    t.hasDefaults = true;
+    std::vector<std::pair<std::string, Item>> given;
+    for (const char* const key : kKeys) {
+      const Item* const item = Take(key);
       if (!item) continue;
       const double value = NumberOf(*item);
-      if (!given.insert(row.par).second) Refuse(*item, "one of its parameters is given under two names");
-      if (!HasPar(proj.value, row.par)) {
-        const bool isIdle = row.par == Par::K ? value == 1.0 : value == 0.0;
-        if (!isIdle) Refuse(*item, "the projection has no such parameter");
+      const ParameterRow* const row = FindProjParameter(name, key);
+      if (!row) {
+        CheckIdle(key, *item);
         continue;
       }
-      t.values[row.par] = value;
+      if (t.values.Has(row->par)) Refuse(*item, "one of its parameters is given under two names");
+      t.values[row->par] = value;
+      given.emplace_back(key, *item);
     }
-    SettleForm(proj, hasParallel, hasPoints);
+    SettleForm(proj);
+    // Of the forms of one name, the one that it is has not all of the keys.
+    for (const auto& [key, item] : given) {
+      const bool isMeant = t.values.Has(FindProjParameter(name, key)->par);
+      if (isMeant && !FindProjParameter(*t.method, key)) CheckIdle(key, item);
+    }
   }
 
-  static bool HasPar(const std::string& proj, Par par) {
-    if (proj == "merc" || proj == "stere" || proj == "omerc") return true;
-    const MethodRow* const method = FindProjMethod(proj == "etmerc" ? "tmerc" : proj);
-    for (const ParameterRow& row : *method) {
-      if (row.par == par) return true;
-    }
-    return false;
+  /// That a key which the projection has not changes nothing.
+  void CheckIdle(const std::string& key, const Item& item) const {
+    const bool isIdle = NumberOf(item) == (key == "k" || key == "k_0" ? 1.0 : 0.0);
+    if (!isIdle) Refuse(item, "the projection has no such parameter");
   }
 
   /// Several forms share a name: the parameters tell which it is.
-  void SettleForm(const Item& proj, bool hasParallel, bool hasPoints) {
+  void SettleForm(const Item& proj) {
     Values& v = t.values;
     const auto take = [this](Form form) { t.method = &RowOfForm(form); };
+    const bool hasParallel = v.Has(Par::Lat1);
     if (proj.value == "lcc") {
       // Without a second parallel the first is the only one, and the latitude of origin when that is not given.
       if (!v.Has(Par::Lat2) && !v.Has(Par::Lat0)) v[Par::Lat0] = v.At(Par::Lat1);
@@ -320,22 +348,34 @@ class Reader {
     } else if (proj.value == "webmerc") {
       if (t.f != 0.0 && !t.hasShift) t.isWgs84 = t.isWgs84 || t.datumName == "unknown";
     } else if (proj.value == "stere") {
-      const bool isPolar = std::fabs(v.Or(Par::Lat0, 0.0)) == 90.0;
+      const double lat0 = v.Or(Par::Lat0, 0.0);
+      const bool isPolar = std::fabs(lat0) == 90.0;
       if (hasParallel && !isPolar)
         RefuseProjection(proj, "it has a standard parallel, and its origin is not a pole");
-      if (hasParallel && std::fabs(v.At(Par::Lat1)) == 90.0) v[Par::Lat1] = v.At(Par::Lat0);
-      take(hasParallel ? Form::PolarB : isPolar ? Form::PolarA : Form::Stereographic);
+      const bool isParallel = hasParallel && v.At(Par::Lat1) != lat0;
+      if (!isParallel) v[Par::Lat1] = NAN;  // the pole itself is none
+      if (isParallel && v.Or(Par::K, 1.0) != 1.0)
+        RefuseProjection(proj, "it has both a standard parallel and a scale factor");
+      take(isParallel ? Form::PolarB : isPolar ? Form::PolarA : Form::Stereographic);
     } else if (proj.value == "omerc") {
-      const bool noUoff = Take("no_uoff") != nullptr, noOff = Take("no_off") != nullptr;
-      t.isUnrotated = Take("no_rot") != nullptr;
-      t.isFromNatural =
-          noUoff || noOff || t.isUnrotated;  // PROJ counts u from the centre in the rotated map only
-      if (hasPoints && t.isFromNatural && !t.isUnrotated) {
-        RefuseProjection(proj, "with a line by two points PROJ drops +no_uoff");
-      }
-      take(hasPoints ? Form::HotinePoints : t.isFromNatural ? Form::HotineA : Form::HotineB);
-      if (!hasPoints && !v.Has(Par::Azimuth) && v.Has(Par::Gamma)) v[Par::Azimuth] = v.At(Par::Gamma);
+      SettleHotine(proj);
     }
+  }
+
+  void SettleHotine(const Item& proj) {
+    Values& v = t.values;
+    const bool hasPoints = v.Has(Par::Lat2) || v.Has(Par::Lon1) || v.Has(Par::Lon2);
+    const bool noUoff = Take("no_uoff") != nullptr, noOff = Take("no_off") != nullptr;
+    t.isUnrotated = Take("no_rot") != nullptr;
+    t.isFromNatural =
+        noUoff || noOff || t.isUnrotated;  // PROJ counts u from the centre in the rotated map only
+    if (hasPoints && (v.Has(Par::Azimuth) || v.Has(Par::Gamma)))
+      RefuseProjection(proj, "its line is given both by two points and by an azimuth");
+    if (!hasPoints && !v.Has(Par::Azimuth) && v.Has(Par::Gamma))
+      RefuseProjection(proj, "its line is given by +gamma alone, which is no azimuth at the centre");
+    if (hasPoints && t.isFromNatural && !t.isUnrotated)
+      RefuseProjection(proj, "with a line by two points PROJ drops +no_uoff");
+    t.method = &RowOfForm(hasPoints ? Form::HotinePoints : t.isFromNatural ? Form::HotineA : Form::HotineB);
   }
 
   void ReadZone(const Item& proj) {
@@ -410,7 +450,6 @@ class Writer {
     }
     const bool isPseudo = form == Form::PseudoMercator;
     Add("proj", isPseudo ? "merc" : t.method->proj);
-    if (form == Form::PolarB) Add("lat_0", t.values.At(Par::Lat1) < 0.0 ? "-90" : "90");
     for (const ParameterRow& row : *t.method) {
       const bool isSet = t.values.Has(row.par) || row.par == Par::K || IsLength(row.par);
       if (row.proj && isSet)

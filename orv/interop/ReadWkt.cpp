@@ -1,4 +1,5 @@
 // What a tree of well-known text says: WKT1 of both dialects, and WKT2.
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -24,9 +25,8 @@ constexpr const char* kDatumKeywords[] = {"DATUM", "GEODETICDATUM", "TRF", "ENSE
 constexpr const char* kEllipsoids[] = {"SPHEROID", "ELLIPSOID", nullptr};
 constexpr const char* kPrimes[] = {"PRIMEM", "PRIMEMERIDIAN", nullptr};
 constexpr const char* kMethods[] = {"PROJECTION", "METHOD", nullptr};
-constexpr const char* kAngleUnits[] = {"ANGLEUNIT", "UNIT", nullptr};
-constexpr const char* kLengthUnits[] = {"LENGTHUNIT", "UNIT", nullptr};
-constexpr const char* kScaleUnits[] = {"SCALEUNIT", "UNIT", nullptr};
+constexpr const char* kUnits[] = {"ANGLEUNIT", "LENGTHUNIT", "SCALEUNIT", "TIMEUNIT", "UNIT", nullptr};
+constexpr const char kAngle[] = "ANGLEUNIT", kLength[] = "LENGTHUNIT", kRatio[] = "SCALEUNIT";
 
 bool IsAny(const WktNode& node, const char* const* keywords) {
   for (; *keywords; ++keywords) {
@@ -44,10 +44,34 @@ void Refuse(const WktNode& node, const char* reason) {
            node.place.column, reason);
 }
 
+void OnlyOnce(const WktNode& second, const char* what) {
+  ORV_FAIL(ErrCorrupt, "Line %d, column %d: expected %s only once.", second.place.line, second.place.column,
+           what);
+}
+
+/// The block of any of these keywords, or null.  Raised: there are two of them.
+const WktNode* FindOne(const WktNode& node, const char* const* keywords) {
+  const WktNode* found = nullptr;
+  for (const WktNode& item : node.items) {
+    if (item.kind != WktNode::Block || !IsAny(item, keywords)) continue;
+    if (found) OnlyOnce(item, item.text.substr(0, 40).c_str());
+    found = &item;
+  }
+  return found;
+}
 const WktNode& Need(const WktNode& node, const char* const* keywords, const char* what) {
-  const WktNode* const found = node.FindAny(keywords);
+  const WktNode* const found = FindOne(node, keywords);
   if (!found) Expected(node, what);
   return *found;
+}
+
+/// The unit of a block, null for none.  Raised: a unit that measures something else, or two of them.
+///
+/// @param keyword  kAngle, kLength or kRatio; UNIT may be any.
+const WktNode* UnitOf(const WktNode& node, const char* keyword) {
+  const WktNode* const unit = FindOne(node, kUnits);
+  if (unit && !unit->Is(keyword) && !unit->Is("UNIT")) Expected(node, keyword);
+  return unit;
 }
 const std::string& NeedText(const WktNode& node, const char* what) {
   if (node.items.empty() || node.items[0].kind != WktNode::Text) Expected(node, what);
@@ -58,13 +82,22 @@ double NeedNumber(const WktNode& node, size_t index, const char* what) {
   return node.items[index].number;
 }
 
-/// The EPSG code of a block, AUTHORITY["EPSG","4326"] or ID["EPSG",4326]; 0 for none.
+/// The EPSG code of a block, AUTHORITY["EPSG","4326"] or ID["EPSG",4326]; 0 for none, and for what is no whole number.
+/// A block may have numbers of others beside it.  Raised: two different ones of EPSG.
 int CodeOf(const WktNode& node) {
-  static const char* const kIds[] = {"ID", "AUTHORITY", nullptr};
-  const WktNode* const id = node.FindAny(kIds);
-  if (!id || id->items.size() < 2 || !EqualIgnoringCase(id->TextAt(0), "EPSG")) return 0;
-  const WktNode& value = id->items[1];
-  return value.kind == WktNode::Number || value.kind == WktNode::Text ? ReadInteger(value.text) : 0;
+  int code = 0;
+  for (const WktNode& item : node.items) {
+    if (item.kind != WktNode::Block || !(item.Is("ID") || item.Is("AUTHORITY")) || item.items.size() < 2)
+      continue;
+    const std::string& digits = item.items[1].text;
+    const bool isWhole = item.items[1].kind != WktNode::Block && !digits.empty() && digits.size() <= 9 &&
+                         digits.find_first_not_of("0123456789") == std::string::npos;
+    if (!isWhole || !EqualIgnoringCase(item.TextAt(0), "EPSG")) continue;
+    const int own = ReadInteger(digits);
+    if (code != 0 && own != code) OnlyOnce(item, "a code of EPSG");
+    code = own;
+  }
+  return code;
 }
 
 double UnitSize(const WktNode& unit) {
@@ -97,8 +130,8 @@ class Reader {
       t.isGeographic = true;
       t.name = NeedText(*system, "a name in double quotes");
       t.code = CodeOf(*system);
-      ReadBase(*system);
       ReadGeographicAxes(*system);
+      ReadBase(*system);
     } else {
       ORV_FAIL(ErrBadParameter,
                "Line %d, column %d: expected a projected or geographic system (PROJCS, GEOGCS, PROJCRS, "
@@ -132,20 +165,7 @@ class Reader {
     static const char* const kMethod[] = {"METHOD", nullptr};
     const WktNode& method = Need(shift, kMethod, "METHOD");
     const std::string& name = NeedText(method, "the name of the method");
-    const int code = CodeOf(method);
-    const auto begins = [&name](const char* text) {
-      return EqualIgnoringCase(name.substr(0, std::strlen(text)), text);
-    };
-    const bool isTranslation =
-        code == 9603 || code == 1031 || code == 1035 || begins("Geocentric translation");
-    const bool isVector = code == 9606 || code == 1033 || code == 1037 || begins("Position Vector");
-    const bool isFrame = code == 9607 || code == 1032 || code == 1038 || begins("Coordinate Frame");
-    if (!isTranslation && !isVector && !isFrame) {
-      ORV_FAIL(ErrBadParameter,
-               "Line %d, column %d: the transformation '%s' cannot be expressed: only geocentric "
-               "translations, position vector and coordinate frame can.",
-               method.place.line, method.place.column, name.substr(0, 80).c_str());
-    }
+    const Turn turn = TurnOf(method, name, CodeOf(method));
     static const struct {
       int code;
       const char* name;
@@ -153,6 +173,7 @@ class Reader {
                     {8608, "X-axis rotation"},    {8609, "Y-axis rotation"},    {8610, "Z-axis rotation"},
                     {8611, "Scale difference"}};
     t.hasShift = true;
+    bool isGiven[7] = {};
     for (const WktNode& item : shift.items) {
       if (item.Is("PARAMETERFILE")) Refuse(item, "its transformation needs a grid file");
       if (item.kind != WktNode::Block || !item.Is("PARAMETER")) continue;
@@ -163,44 +184,98 @@ class Reader {
         if ((id > 0 && id == kShifts[i].code) || EqualBare(kShifts[i].name, parameter.c_str())) index = i;
       }
       if (index < 0) Refuse(item, "its transformation has a parameter that the library's has not");
-      t.shift[index] = ShiftValue(item, index) * (isFrame && index >= 3 && index < 6 ? -1.0 : 1.0) + 0.0;
+      if (isGiven[index]) OnlyOnce(item, kShifts[index].name);
+      isGiven[index] = true;
+      const double value = ShiftValue(item, index);
+      if (turn == Turn::None && index >= 3 && value != 0.0)
+        Refuse(item, "a geocentric translation has neither rotation nor scale");
+      t.shift[index] = value * (turn == Turn::Frame && index >= 3 && index < 6 ? -1.0 : 1.0) + 0.0;
     }
+    for (int i = 0; i < (turn == Turn::None ? 3 : 7); ++i) {
+      if (!isGiven[i]) Expected(shift, kShifts[i].name);
+    }
+  }
+
+  /// How a transformation turns: not at all, as position vector, as coordinate frame.
+  enum class Turn : unsigned char { None, Vector, Frame, Unknown };
+
+  /// By code, else by name; of the frames only the one of small angles.
+  static Turn TurnOf(const WktNode& method, const std::string& name, int code) {
+    static const struct {
+      Turn turn;
+      int codes[3];  // of coordinates in two dimensions, geocentric ones, in three
+      const char* name;
+    } kTurns[] = {{Turn::None, {9603, 1031, 1035}, "Geocentric translation"},
+                  {Turn::Vector, {9606, 1033, 1037}, "Position Vector"},
+                  {Turn::Frame, {9607, 1032, 1038}, "Coordinate Frame"}};
+    const bool isFull = name.find("full matrix") != std::string::npos;
+    Turn byCode = Turn::Unknown, byName = Turn::Unknown;
+    for (const auto& row : kTurns) {
+      if (std::count(row.codes, row.codes + 3, code) != 0) byCode = row.turn;
+      if (!isFull && EqualIgnoringCase(name.substr(0, std::strlen(row.name)), row.name)) byName = row.turn;
+    }
+    if (code > 0 && byName != Turn::Unknown && byCode != Turn::Unknown && byName != byCode) {
+      ORV_FAIL(ErrBadParameter,
+               "Line %d, column %d: the transformation '%s' cannot be expressed: its code %d means another.",
+               method.place.line, method.place.column, name.substr(0, 80).c_str(), code);
+    }
+    const Turn turn = code > 0 ? byCode : byName;
+    if (turn == Turn::Unknown || isFull) {
+      ORV_FAIL(ErrBadParameter,
+               "Line %d, column %d: the transformation '%s' cannot be expressed: only geocentric "
+               "translations, position vector and coordinate frame can.",
+               method.place.line, method.place.column, name.substr(0, 80).c_str());
+    }
+    return turn;
   }
 
   /// Metres, arc-seconds, parts per million.  Without a unit: these, and 1 plus the scale difference.
   static double ShiftValue(const WktNode& item, int index) {
     const double value = NeedNumber(item, 1, "the value of the parameter");
     if (index < 3) {
-      const WktNode* const unit = item.FindAny(kLengthUnits);
+      const WktNode* const unit = UnitOf(item, kLength);
       return unit ? value * UnitSize(*unit) : value;
     }
     if (index < 6) {
-      const WktNode* const unit = item.FindAny(kAngleUnits);
+      const WktNode* const unit = UnitOf(item, kAngle);
       if (!unit) return value;
       const double size = UnitSize(*unit), second = ToRadians(1.0) / 3600.0;
       return std::fabs(size / second - 1.0) < 1e-9 ? value : value * (size / second);
     }
-    const WktNode* const unit = item.FindAny(kScaleUnits);
+    const WktNode* const unit = UnitOf(item, kRatio);
     const double scale = unit ? value * UnitSize(*unit) : value;
-    if (unit && std::fabs(scale) < 0.5) return std::round(scale * 1e15) / 1e9;
-    return std::round((scale - 1.0) * 1e15) / 1e9;
+    const double difference = unit && std::fabs(scale) < 0.5 ? scale : scale - 1.0;
+    if (!(std::fabs(difference) <= kMostScale))
+      Refuse(item, "its scale differs from 1 by more than a hundredth, as it does with its unit missing");
+    return std::round(difference * 1e15) / 1e9;
   }
+  static constexpr double kMostScale = 0.01;
 
   // ---- the geographic part -------------------------------------------------------------------------------
 
   void ReadBase(const WktNode& base) {
-    t.baseName = Without("GCS_", base.TextAt(0));
     if (t.isGeographic) t.name = Without("GCS_", t.name);
-    t.baseCode = CodeOf(base);
     const WktNode& datum = Need(base, kDatumKeywords, "DATUM");
     const bool isWkt1 = base.Is("GEOGCS");
-    if (const WktNode* const unit = base.FindAny(kAngleUnits)) {
+    if (const WktNode* const unit = UnitOf(base, kAngle)) {
       t.angle = AngleOf(*unit);
+      m_HasAngle = true;
     } else if (isWkt1) {
       Expected(base, "UNIT");
     }
     ReadDatum(datum);
-    if (const WktNode* const prime = base.FindAny(kPrimes)) ReadMeridian(*prime, isWkt1);
+    for (const WktNode& item : base.items) {
+      if (item.kind == WktNode::Block && item.Is("EXTENSION")) RefuseExtension(item);
+    }
+    if (const WktNode* const prime = FindOne(base, kPrimes)) ReadMeridian(*prime, isWkt1);
+  }
+
+  /// Of a datum or a geographic system.
+  static void RefuseExtension(const WktNode& extension) {
+    const bool isGrid = EqualIgnoringCase(extension.TextAt(0), "PROJ4_GRIDS") ||
+                        extension.TextAt(1).find("nadgrids") != std::string::npos;
+    Refuse(extension, isGrid ? "its datum is converted by grids"
+                             : "an EXTENSION is understood at a projected system only");
   }
 
   /// A name without the prefix that ESRI's texts put in front of it.
@@ -218,7 +293,7 @@ class Reader {
     t.a = NeedNumber(ellipsoid, 1, "the major radius");
     const double inverse = NeedNumber(ellipsoid, 2, "the inverse flattening");
     t.f = inverse == 0.0 ? 0.0 : 1.0 / inverse;
-    if (const WktNode* const unit = ellipsoid.FindAny(kLengthUnits)) {
+    if (const WktNode* const unit = UnitOf(ellipsoid, kLength)) {
       t.a *= LengthOf(*unit).size;
     }
     for (const char* const name : {"WGS 84", "WGS 1984", "World Geodetic System 1984"}) {
@@ -228,12 +303,13 @@ class Reader {
                 std::fabs(inverse - 298.257223563) < 1e-6;
     for (const WktNode& item : datum.items) {
       if (item.kind != WktNode::Block) continue;
-      if (item.Is("EXTENSION")) Refuse(item, "its datum is converted by grids");
+      if (item.Is("EXTENSION")) RefuseExtension(item);
       if (item.Is("TOWGS84")) ReadShift(item);
     }
   }
 
   void ReadShift(const WktNode& shift) {
+    if (t.hasShift) OnlyOnce(shift, "a shift to WGS 84");
     if (shift.items.size() != 3 && shift.items.size() != 7) Expected(shift, "three or seven numbers");
     for (size_t i = 0; i < shift.items.size(); ++i)
       t.shift[i] = NeedNumber(shift, i, "three or seven numbers");
@@ -245,7 +321,11 @@ class Reader {
     t.meridianName = NeedText(prime, "the name of the meridian");
     const double value = NeedNumber(prime, 1, "the longitude of the meridian");
     double size = t.angle.size;
-    if (const WktNode* const unit = prime.FindAny(kAngleUnits)) size = AngleOf(*unit).size;
+    if (const WktNode* const unit = UnitOf(prime, kAngle)) {
+      size = AngleOf(*unit).size;
+    } else if (!isWkt1 && value != 0.0 && !m_HasAngle) {
+      Expected(prime, kAngle);
+    }
     t.meridian = value * size;
     // WKT1 has it in the unit of the system; both dialects write degrees nevertheless.  The known one tells.
     const double degrees = KnownMeridian(value, t.meridian);
@@ -269,43 +349,79 @@ class Reader {
   }
 
   void ReadGeographicAxes(const WktNode& system) {
-    int axes = 0;
-    const WktNode* unit = nullptr;
+    const bool isWkt1 = system.Is("GEOGCS");
+    if (!isWkt1) CheckCs(system, "ellipsoidal", "its coordinates are not longitude and latitude");
+    const WktNode* const unit = AxesUnit(system, kAngle, isWkt1);
+    CheckAxes(system, isWkt1, nullptr);
+    if (!unit) return;
+    t.angle = AngleOf(*unit);
+    m_HasAngle = true;
+  }
+
+  /// CS[type,2] of WKT2.
+  static void CheckCs(const WktNode& system, const char* type, const char* reason) {
+    static const char* const kCs[] = {"CS", nullptr};
+    const WktNode& cs = Need(system, kCs, "CS");
+    if (cs.items.empty() || !cs.items[0].Is(type)) Refuse(cs, reason);
+    const double count = NeedNumber(cs, 1, "the number of axes");
+    if (count > 2.0) Refuse(cs, "it has more than two axes");
+    if (count != 2.0) Expected(cs, "two axes");
+  }
+
+  /// The unit of the axes: their own, or that of the system.  Null in WKT1 only.  Raised: there is none, or there are two.
+  static const WktNode* AxesUnit(const WktNode& system, const char* keyword, bool isWkt1) {
+    const WktNode* unit = UnitOf(system, keyword);
+    const WktNode* without = nullptr;
     for (const WktNode& item : system.items) {
-      if (item.kind != WktNode::Block) continue;
-      if (item.Is("CS") && !item.items.empty() && !item.items[0].Is("ellipsoidal")) {
-        Refuse(item, "its coordinates are not longitude and latitude");
-      }
-      if (!item.Is("AXIS")) continue;
-      if (++axes > 2) Refuse(item, "it has more than two axes");
-      CheckDirection(item, nullptr);
-      const WktNode* const own = item.FindAny(kAngleUnits);
+      if (item.kind != WktNode::Block || !item.Is("AXIS")) continue;
+      const WktNode* const own = UnitOf(item, keyword);
       if (own && unit && UnitSize(*own) != UnitSize(*unit)) Refuse(item, "its axes have different units");
       if (own) unit = own;
+      if (!own) without = &item;
     }
-    if (unit) t.angle = AngleOf(*unit);
+    if (isWkt1) return unit;
+    if (!unit) Expected(system, keyword);
+    if (without && !UnitOf(system, keyword)) Expected(*without, keyword);
+    return unit;
   }
 
   // ---- axes ----------------------------------------------------------------------------------------------
 
   /// x is the easting and y the northing here, in whatever order a text gives them.
   ///
-  /// @param projected  of the axes of a polar map, which all point north or south; else null.
-  void CheckDirection(const WktNode& axis, const TextSystem* projected) const {
+  /// @param projected  of the axes of a polar map, which may all point north or south; else null.
+  void CheckAxes(const WktNode& system, bool isWkt1, const TextSystem* projected) const {
+    const WktNode* first = nullptr;
+    Runs firstRuns = Runs::Untold;
+    int axes = 0;
+    for (const WktNode& item : system.items) {
+      if (item.kind != WktNode::Block || !item.Is("AXIS")) continue;
+      if (++axes > 2) Refuse(item, "it has more than two axes");
+      const Runs runs = DirectionOf(item, projected);
+      if (first && runs == firstRuns && runs != Runs::Untold) Refuse(item, "both of its axes run one way");
+      first = &item;
+      firstRuns = runs;
+    }
+    if (axes != 2 && !(isWkt1 && axes == 0)) Expected(system, "two axes (AXIS)");
+  }
+
+  /// Which way an axis runs; untold for the axes of a polar map without meridians.
+  enum class Runs : unsigned char { East, North, Untold };
+
+  Runs DirectionOf(const WktNode& axis, const TextSystem* projected) const {
     if (axis.items.size() < 2 || axis.items[1].kind != WktNode::Word)
       Expected(axis, "the direction of the axis");
     const std::string& direction = axis.items[1].text;
     const bool isNorth = EqualIgnoringCase(direction, "north"),
                isSouth = EqualIgnoringCase(direction, "south");
-    if (projected && IsPolar(*projected) && (isNorth || isSouth)) {
-      CheckPolarAxis(axis, isSouth);
-      return;
-    }
-    if (isNorth || EqualIgnoringCase(direction, "east")) return;
+    if (projected && IsPolar(*projected) && (isNorth || isSouth)) return PolarDirectionOf(axis, isSouth);
+    if (isNorth) return Runs::North;
+    if (EqualIgnoringCase(direction, "east")) return Runs::East;
     ORV_FAIL(ErrBadParameter,
              "Line %d, column %d: the axis '%s' points %s: x is the easting and y the northing here.",
              axis.place.line, axis.place.column, axis.TextAt(0).substr(0, 80).c_str(),
              direction.substr(0, 20).c_str());
+    return Runs::Untold;
   }
 
   static bool IsPolar(const TextSystem& t) {
@@ -316,18 +432,20 @@ class Reader {
 
   /// Away from the pole, the easting runs along the meridian a right angle east of the central one, the northing along
   /// the one opposite to it (north pole) or along itself (south pole).
-  void CheckPolarAxis(const WktNode& axis, bool isSouth) const {
+  Runs PolarDirectionOf(const WktNode& axis, bool isSouth) const {
     const WktNode* const meridian = axis.Find("MERIDIAN");
-    if (!meridian) return;
+    if (!meridian) return Runs::Untold;
     double longitude = NeedNumber(*meridian, 0, "the longitude of the axis");
-    if (const WktNode* const unit = meridian->FindAny(kAngleUnits)) longitude *= AngleOf(*unit).size;
+    if (const WktNode* const unit = UnitOf(*meridian, kAngle)) longitude *= AngleOf(*unit).size;
     const double away = std::remainder(longitude - t.values.Or(Par::Lon0, 0.0), 360.0);
     const double northing = isSouth ? 180.0 : 0.0;
-    if (std::fabs(away - 90.0) < 1e-6 || std::fabs(std::fabs(away) - northing) < 1e-6) return;
+    if (std::fabs(away - 90.0) < 1e-6) return Runs::East;
+    if (std::fabs(std::fabs(away) - northing) < 1e-6) return Runs::North;
     ORV_FAIL(ErrBadParameter,
              "Line %d, column %d: the axis '%s' points %s: x is the easting and y the northing here.",
              axis.place.line, axis.place.column, axis.TextAt(0).substr(0, 80).c_str(),
              isSouth ? "south" : "north");
+    return Runs::Untold;
   }
 
   // ---- projected systems ---------------------------------------------------------------------------------
@@ -337,6 +455,7 @@ class Reader {
     t.code = CodeOf(system);
     ReadBase(Need(system, kBases, "GEOGCS or BASEGEOGCRS"));
     const bool isWkt1 = system.Is("PROJCS");
+    if (!isWkt1) CheckCs(system, "Cartesian", "its coordinates are not those of a plane");
     ReadLengthUnit(system, isWkt1);
     const WktNode* conversion = &system;
     if (!isWkt1) {
@@ -345,30 +464,14 @@ class Reader {
       t.conversionName = conversion->TextAt(0);
     }
     ReadMethod(*conversion, isWkt1);
-    if (isWkt1) ReadExtension(system);
-    int axes = 0;
-    for (const WktNode& item : system.items) {
-      if (item.kind != WktNode::Block || !item.Is("AXIS")) continue;
-      if (++axes > 2) Refuse(item, "it has more than two axes");
-      CheckDirection(item, &t);
-    }
+    if (isWkt1) ReadExtensions(system);
+    CheckAxes(system, isWkt1, &t);
   }
 
   void ReadLengthUnit(const WktNode& system, bool isWkt1) {
-    const WktNode* unit = system.FindAny(kLengthUnits);
-    for (const WktNode& item : system.items) {
-      if (item.kind != WktNode::Block || !item.Is("AXIS")) continue;
-      const WktNode* const own = item.FindAny(kLengthUnits);
-      if (own && unit && UnitSize(*own) != UnitSize(*unit)) Refuse(item, "its axes have different units");
-      if (own) unit = own;
-    }
-    if (unit) {
-      t.length = LengthOf(*unit);
-    } else if (isWkt1) {
-      Expected(system, "UNIT");
-    } else {
-      Expected(system, "LENGTHUNIT");
-    }
+    const WktNode* const unit = AxesUnit(system, kLength, isWkt1);
+    if (!unit) Expected(system, "UNIT");
+    t.length = LengthOf(*unit);
   }
 
   void ReadMethod(const WktNode& conversion, bool isWkt1) {
@@ -386,51 +489,130 @@ class Reader {
                "Line %d, column %d: the projection '%s' cannot be expressed: the library has no such method.",
                method.place.line, method.place.column, name.substr(0, 80).c_str());
     }
+    if (IsOtherMethod(*t.method, name)) {
+      ORV_FAIL(ErrBadParameter,
+               "Line %d, column %d: the projection '%s' cannot be expressed: its code %d means another.",
+               method.place.line, method.place.column, name.substr(0, 80).c_str(), code);
+    }
     for (const WktNode& item : conversion.items) {
-      if (item.kind == WktNode::Block && item.Is("PARAMETER")) ReadParameter(item);
+      if (item.kind == WktNode::Block && item.Is("PARAMETER")) ReadParameter(item, isWkt1);
+    }
+    SettleForm(method, name);
+  }
+
+  /// What the name of the method tells beside its row.
+  void SettleForm(const WktNode& method, const std::string& name) {
+    const Values& v = t.values;
+    if (t.method->form == Form::LambertScaled && EqualBare(t.method->esri, name.c_str())) {
+      // ESRI's one name of the forms of one and of two parallels, with or without a factor.
+      if (!v.Has(Par::Lat2)) {
+        t.method = &RowOfForm(Form::Lambert1);
+      } else if (!v.Has(Par::K)) {
+        t.method = &RowOfForm(Form::Lambert2);
+      }
+    } else if (t.method->form == Form::PolarB && v.Has(Par::Lat1)) {
+      const bool isSouth = v.At(Par::Lat1) < 0.0;
+      if (EqualBare(isSouth ? "Stereographic_North_Pole" : "Stereographic_South_Pole", name.c_str())) {
+        ORV_FAIL(
+            ErrBadParameter,
+            "Line %d, column %d: the projection '%s' cannot be expressed: its standard parallel lies in the "
+            "other hemisphere.",
+            method.place.line, method.place.column, name.substr(0, 80).c_str());
+      }
     }
   }
 
-  void ReadParameter(const WktNode& item) {
+  void ReadParameter(const WktNode& item, bool isWkt1) {
     const std::string& name = NeedText(item, "the name of the parameter");
     const double value = NeedNumber(item, 1, "the value of the parameter");
-    const ParameterRow* const row = FindParameter(*t.method, name, CodeOf(item));
+    const int code = CodeOf(item);
+    const ParameterRow* const row = FindParameter(*t.method, name, code);
     if (!row) {
       ORV_FAIL(ErrBadParameter,
                "Line %d, column %d: the parameter '%s' cannot be expressed: the projection has none such.",
                item.place.line, item.place.column, name.substr(0, 80).c_str());
     }
+    const ParameterRow* const named = FindParameter(*t.method, name, 0);
+    if (named && named->par != row->par) {
+      ORV_FAIL(ErrBadParameter,
+               "Line %d, column %d: the parameter '%s' cannot be expressed: its code %d means another.",
+               item.place.line, item.place.column, name.substr(0, 80).c_str(), code);
+    }
+    if (t.values.Has(row->par)) OnlyOnce(item, ParName(row->par));
+    const WktNode* const unit = UnitOf(item, IsLength(row->par)  ? kLength
+                                             : IsRatio(row->par) ? kRatio
+                                                                 : kAngle);
+    // WKT2 without a unit: the axes' unit when PROJ writes it, the metre and the degree when PROJ reads it.
+    const bool isBare = !unit && !isWkt1 && value != 0.0;
     double& to = t.values[row->par];
     if (IsLength(row->par)) {
-      const WktNode* const unit = item.FindAny(kLengthUnits);
+      if (isBare && t.length.size != 1.0)
+        Refuse(item, "its unit is missing, by which some mean the metre and some the unit of the axes");
       to = value * (unit ? LengthOf(*unit).size : t.length.size);
     } else if (IsRatio(row->par)) {
-      const WktNode* const unit = item.FindAny(kScaleUnits);
       to = unit ? value * UnitSize(*unit) : value;
     } else {
-      const WktNode* const unit = item.FindAny(kAngleUnits);
+      if (isBare && !m_HasAngle) Expected(item, kAngle);
+      if (isBare && t.angle.size != 1.0)
+        Refuse(
+            item,
+            "its unit is missing, by which some mean the degree and some the unit of the geographic system");
       to = value * (unit ? AngleOf(*unit).size : t.angle.size);
     }
   }
 
-  /// GDAL's way out for what WKT1 has no name for: the projection as a PROJ string.
-  void ReadExtension(const WktNode& system) {
-    const WktNode* const extension = system.Find("EXTENSION");
-    if (!extension || !EqualIgnoringCase(extension->TextAt(0), "PROJ4")) return;
-    const TextSystem other = ReadProjString(extension->TextAt(1), extension->place);
-    if (other.isGeographic) Expected(*extension, "a projection");
+  void ReadExtensions(const WktNode& system) {
+    const WktNode* first = nullptr;
+    for (const WktNode& item : system.items) {
+      if (item.kind != WktNode::Block || !item.Is("EXTENSION")) continue;
+      if (!EqualIgnoringCase(item.TextAt(0), "PROJ4"))
+        Refuse(item, "its EXTENSION is not the PROJ4 that is understood");
+      if (first) OnlyOnce(item, "EXTENSION");
+      first = &item;
+      ReadExtension(item);
+    }
+  }
+
+  /// GDAL's way out for what WKT1 has no name for: the projection as a PROJ string.  What that says of unit, meridian and
+  /// datum must be what the text says.
+  void ReadExtension(const WktNode& extension) {
+    const TextSystem other = ReadProjString(extension.TextAt(1), extension.place);
+    if (other.isGeographic) Expected(extension, "a projection");
+    const bool isSphere = other.f == 0.0 && t.f != 0.0;
+    if ((!isSphere && std::fabs(other.f - t.f) > 1e-9) || std::fabs(other.a - t.a) > 1e-3)
+      Refuse(extension, "its ellipsoid is not that of its datum");
+    if (std::fabs(other.length.size / t.length.size - 1.0) > 1e-9)
+      Refuse(extension, "its PROJ string has another unit");
+    if (std::fabs(other.meridian - t.meridian) > 1e-9)
+      Refuse(extension, "its PROJ string has another prime meridian");
+    if (!IsOnDatumOf(other)) Refuse(extension, "its PROJ string has another datum or shift");
     t.method = other.method;
     t.values = other.values;
-    t.isPlainSphere = other.f == 0.0 && t.f != 0.0;
+    t.hasDefaults = other.hasDefaults;
+    t.zone = other.zone;
+    t.isSouth = other.isSouth;
+    t.conversionName = other.conversionName;
+    t.isPlainSphere = isSphere;
     const bool isMercator = t.method->form == Form::MercatorA || t.method->form == Form::MercatorB;
     if (isMercator && t.isPlainSphere) t.method = &RowOfForm(Form::PseudoMercator);
     t.isUnrotated = other.isUnrotated;
     t.isFromNatural = other.isFromNatural;
-    if (!t.isPlainSphere && std::fabs(other.f - t.f) > 1e-9)
-      Refuse(*extension, "its ellipsoid is not that of its datum");
-    if (std::fabs(other.a - t.a) > 1e-3) Refuse(*extension, "its ellipsoid is not that of its datum");
   }
 
+  /// Whether what a PROJ string says of the datum, if it does, is what the text says.
+  bool IsOnDatumOf(const TextSystem& other) const {
+    const auto isNull = [](const TextSystem& s) {
+      return s.isWgs84 ||
+             (s.hasShift && std::all_of(s.shift, s.shift + 7, [](double v) { return v == 0.0; }));
+    };
+    if (other.isNullGrid) return isNull(t);
+    if (isNull(other) && isNull(t)) return true;
+    if (other.hasShift || t.hasShift)
+      return other.hasShift && t.hasShift && std::equal(t.shift, t.shift + 7, other.shift);
+    return other.datumCode == 0 || KnownDatumOf(other) == KnownDatumOf(t);
+  }
+
+  bool m_HasAngle = false;  // a unit of the geographic system, or of its axes
   TextSystem t;
 };
 

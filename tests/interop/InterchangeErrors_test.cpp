@@ -76,7 +76,7 @@ const BadText kSyntax[] = {
     {"+proj=merc +ellps=intl +nadgrids=a.gsb", 1032, "Line 1, column 24: the system cannot be expressed: its datum is converted by grids."},
     {"+proj=merc +ellps=intl +axis=wsu", 1032, "Line 1, column 24: the system cannot be expressed: x is the easting and y the northing here."},
     {"+proj=merc +ellps=intl +geoidgrids=a", 1032, "Line 1, column 24: the parameter 'geoidgrids' cannot be expressed."},
-    {"+proj=merc +ellps=intl +alpha=3 +over", 1032, "Line 1, column 33: the parameter 'over' cannot be expressed."},
+    {"+proj=merc +ellps=intl +alpha=0 +over", 1032, "Line 1, column 33: the parameter 'over' cannot be expressed."},
     {"+proj=moll +lat_0=3 +ellps=intl", 1032, "Line 1, column 12: the system cannot be expressed: the projection has no such parameter."},
     {"+proj=sterea +ellps=intl", 1032, "Line 1, column 1: the projection 'sterea' cannot be expressed: the library has the one-step form over the conformal latitude, this is the two-step form."},
     {"+proj=robin +ellps=intl", 1032, "Line 1, column 1: the projection 'robin' cannot be expressed: the library's nodes and interpolation are not those of other software, up to 8.6 km apart."},

@@ -164,7 +164,7 @@ const ReadRow kReadRows[] = {
      "geogcs ( \"x\" ,\n datum(\"x\", spheroid(\"x\", 6378000, 300)), primem(\"Greenwich\", 0), unit(\"degree\", .0174532925199433) )",
      ProjectionMethodUnprojected, {}},
     {"UTM by its name",
-     R"~(PROJCS["a / UTM zone 33S",GEOGCS["x",DATUM["x",SPHEROID["x",6378388,297]],PRIMEM["Greenwich",0],UNIT["degree",0.0174532925199433]],PROJECTION["Transverse_Mercator"],PARAMETER["central_meridian",15],PARAMETER["scale_factor",0.9996],PARAMETER["false_easting",500000],PARAMETER["false_northing",10000000],UNIT["metre",1]])~",
+     R"~(PROJCS["a / UTM zone 33S",GEOGCS["x",DATUM["x",SPHEROID["x",6378388,297]],PRIMEM["Greenwich",0],UNIT["degree",0.0174532925199433]],PROJECTION["Transverse_Mercator"],PARAMETER["latitude_of_origin",0],PARAMETER["central_meridian",15],PARAMETER["scale_factor",0.9996],PARAMETER["false_easting",500000],PARAMETER["false_northing",10000000],UNIT["metre",1]])~",
      ProjectionMethodUTM, {{kLon0, 15}, {kK0, 0.9996}, {kSouth, 1}}},
     {"zone of UTM", "+proj=utm +zone=33 +south +ellps=intl", ProjectionMethodUTM, {{kLon0, 15}, {kK0, 0.9996}, {kSouth, 1}}},
     {"no UTM without the name", "+proj=tmerc +lon_0=15 +k=0.9996 +x_0=500000 +ellps=intl", ProjectionMethodTransverseMercator, {{kLon0, 15}, {kK0, 0.9996}, {kXOrg, 500000}}},

@@ -9,11 +9,15 @@
 namespace orv::internal {
 
 /// The known datum that a text's code or name means, or null: by code the first of it, then by name, as texts of ESRI
-/// shorten names too ("D_North_American_1983", "D_ETRS_1989"), then by the name of a geographic system.
+/// shorten names too ("D_North_American_1983", "D_ETRS_1989"), then by the name of a geographic system that is the
+/// datum's.  The name of the text's own system or base system says nothing of its datum.
 const DatumDef* KnownDatumOf(const TextSystem& text);
 /// The first known datum of this number or, without one, name that converts so and has no meridian of its own; null when
 /// there is none.
 const DatumDef* KnownDatumLike(const DatumDef& wanted, const TextSystem& text);
+
+/// Whether a datum's name says that it has none: "unknown", "Unknown based on ... ellipsoid", "unnamed", "Not specified".
+bool IsUnnamedDatum(const std::string& name);
 
 /// A datum's name without the word "ensemble" behind it, by which the data set names one of several realisations.
 std::string WithoutEnsemble(const std::string& name);

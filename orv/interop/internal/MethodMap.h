@@ -78,7 +78,8 @@ struct ParameterRow {
   const char* wkt2;
   const char* gdal;
   const char* esri;
-  const char* proj;  // the key without "+"
+  const char* proj;         // the key without "+"
+  bool isOptional = false;  // well-known text may leave it out; a false origin may always be left out
 };
 
 /// What the library needs of the ellipsoid to draw the same.
@@ -112,11 +113,16 @@ const MethodRow& RowOfForm(Form form);
 const MethodRow* FindMethod(const std::string& name, int epsg);
 /// The same of the value of "+proj=".
 const MethodRow* FindProjMethod(const std::string& proj);
+/// Whether a name in WKT means another method than this; false for names that mean none.
+bool IsOtherMethod(const MethodRow& method, const std::string& name);
 /// Why the library does not express a method that it knows of; null for one it does not know of.
 const char* WhyNotMethod(const std::string& name, int epsg);
 const char* WhyNotProjMethod(const std::string& proj);
 /// The parameter of a method that a name in WKT or an EPSG code means; null when the method has none such.
 const ParameterRow* FindParameter(const MethodRow& method, const std::string& name, int epsg);
+/// The parameter of this very key of a PROJ string ("k_0" is "k"): of a method, or of any of the methods of a "+proj=".
+const ParameterRow* FindProjParameter(const MethodRow& method, const std::string& key);
+const ParameterRow* FindProjParameter(const std::string& proj, const std::string& key);
 /// "degree" and so on for messages: the par in words.
 const char* ParName(Par par);
 

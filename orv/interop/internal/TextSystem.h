@@ -21,9 +21,10 @@ struct TextUnit {
 
 struct TextSystem {
   bool isGeographic = false;
-  std::string name;  ///< of the system
-  int code = 0;      ///< EPSG, 0 for none; the other codes too
-  std::string baseName;
+  std::string name;           ///< of the system
+  bool isNameRemark = false;  ///< the name is a remark ("+title"): it means no known system
+  int code = 0;               ///< EPSG, 0 for none; the other codes too
+  std::string baseName;       ///< of the geographic system; written, and never asked for when a text is read
   int baseCode = 0;
 
   std::string datumName;
@@ -45,6 +46,7 @@ struct TextSystem {
   bool isNullGrid = false;  ///< "+nadgrids=@null": longitude and latitude are those of WGS 84
 
   const MethodRow* method = nullptr;
+  bool hasDefaults = false;    ///< of a PROJ string: values that are not given have defaults
   Values values;               ///< degrees from the prime meridian, metres, ratios
   bool isUnrotated = false;    ///< Hotine, "+no_rot"
   bool isFromNatural = false;  ///< Hotine by two points, "+no_uoff"; the forms by azimuth say it themselves
@@ -84,8 +86,11 @@ TextUnit AngleUnit(double degrees);
 double FoldMeridian(double longitude, double meridian);
 
 /// Degrees.  Deliberate: the engine's set-up loses half the digits at exactly 90 degrees, up to 9 cm; 0.7 seconds less
-/// cost half a millimetre.  The catalogue does the same.
+/// cost half a millimetre near the centre, more away from it (see the docs).  The catalogue does the same.
 inline constexpr double kAzimuthBeside90 = 89.9998;
+/// Why Hotine's map with u from the centre and a line that runs backward is refused, both ways.
+inline constexpr const char* kAzimuthBeyond90 =
+    "its azimuth lies beyond 90 degrees and u is counted from the centre, where software differs on the place";
 
 /// Whether two latitudes, degrees, are one but for rounding.
 inline bool SameLatitude(double a, double b) { return std::fabs(a - b) < 1e-9; }
