@@ -14,6 +14,7 @@
 #include "orv/projection/ProjectionDef.h"
 #include "orv/projection/internal/MapPlaces.h"
 #include "orv/system/CSList.h"
+#include "orv/system/internal/Angles.h"
 #include "orv/tables/EllipsoidList.h"
 #include "orv/tables/Meridians.h"
 
@@ -386,15 +387,10 @@ class Describer {
 
   /// An Equidistant Cylindrical that gives longitude and latitude themselves is a geographic system.
   bool TakeAngles(const ProjectionParameters& p) {
-    if (p.method != ProjectionMethodEquidistantCylindrical || p.Lat1 != 0.0) return false;
-    // The catalogue keeps some of these apart by a false northing of nanometres.
-    if (std::fabs(p.xOrg) > 1e-6 || std::fabs(p.yOrg) > 1e-6) return false;
-    const TextUnit unit = AngleUnit(360.0 / (p.Scale * 2.0 * kPi * p.ellipsoid.GetMajorRadius()));
-    if (unit.code == 0) return false;
-    const bool isSphere = p.ellipsoid.GetFlattening() == 0.0;
-    if (isSphere && !m_System.HasDatum(false)) return false;  // then it may be a map of the sphere
+    const double degrees = DegreesPerUnit(m_System);
+    if (degrees == 0.0) return false;
     t.isGeographic = true;
-    t.angle = unit;
+    t.angle = AngleUnit(degrees);
     if (t.meridian != 0.0) Refuse("its datum and its map both have a prime meridian of their own");
     t.meridian = p.Lon0;
     TakeEllipsoid(OwnEllipsoid(nullptr));

@@ -8,7 +8,8 @@ namespace {
 TEST(Generators, APropertyThatDoesNotHoldIsFoundAndShrunk) {
   const ::testing::AssertionResult result = Holds([] { ORV_HOLDS(IntIn(0, 1000) < 700); });
   EXPECT_FALSE(result);
-  EXPECT_NE(std::string(result.message()).find("IntIn(0, 1000) < 700"), std::string::npos) << result.message();
+  EXPECT_NE(std::string(result.message()).find("IntIn(0, 1000) < 700"), std::string::npos)
+      << result.message();
   EXPECT_TRUE(Holds([] { ORV_HOLDS(IntIn(0, 1000) < 1000); }));
 }
 
