@@ -4,6 +4,7 @@
 #include <limits>
 #include <string_view>
 
+#include "orv/convert/internal/CommentFields.h"
 #include "orv/convert/internal/DatumSteps.h"
 #include "orv/core/internal/Number.h"
 #include "orv/core/internal/Text.h"
@@ -35,14 +36,11 @@ std::string EllipsoidText(const EllipsoidDef& ellipsoid) {
   return name && *name != '\0' ? name : EmptyIfNull(ellipsoid.GetToken());
 }
 
-/// Fields of a comment are separated by "; "; the first one is the operation, others begin with their key.
+/// The first field of a comment is the operation, others begin with their key.
 StatedQuality StatedIn(const char* comment) {
   StatedQuality stated;
-  std::string_view left = EmptyIfNull(comment);
-  for (bool first = true; !left.empty(); first = false) {
-    const size_t end = std::min(left.find("; "), left.size());
-    const std::string_view field = left.substr(0, end);
-    left.remove_prefix(std::min(end + 2, left.size()));
+  bool first = true;
+  for (const std::string_view field : internal::CommentFields(comment ? comment : "")) {
     constexpr std::string_view kArea = "area: ", kAccuracy = "accuracy: ";
     if (field.substr(0, kArea.size()) == kArea) {
       stated.area = field.substr(kArea.size());
@@ -51,6 +49,7 @@ StatedQuality StatedIn(const char* comment) {
     } else if (first) {
       stated.operation = field;
     }
+    first = false;
   }
   return stated;
 }

@@ -141,6 +141,13 @@ def definition(run):
     run.expect((value["bSouth"], value["K0"], value["token"]), (True, 0.9996, "EPSG:32733"), "def")
 
 
+def route(run):
+    """For programs a comment stays whole; for people the Manual test has its fields in lines."""
+    value = run.json("route", "DHDN", "WGS84")
+    run.expect(value["steps"][0]["datum"]["comment"],
+               "EPSG operation 1777: DHDN to WGS 84 (2); area: Germany - West Germany all states; accuracy: 3 m", "route")
+
+
 def latlon(run):
     value = run.json("latlon", "--dms", "--letter", "lat", "10d30mS", 'x"y', status=1)
     run.expect(value, [{"text": "10d30mS", "degrees": -10.5, "written": "10d30m0.00sS"},
@@ -168,6 +175,7 @@ def main():
         check(run, pathlib.Path(name))
         definition(run)
         latlon(run)
+        route(run)
         warp(run, pathlib.Path(name))
     print(f"{run.count} texts, {run.failures} failures")
     return 1 if run.failures else 0

@@ -123,6 +123,10 @@ def systems(orv, folder):
     orv("--to", "EPSG:32633", "prj.shp", "-o", "utm.gpkg", status=2, err="orv: --output: 'utm.gpkg' is there already\n")
     shapefile(folder / "unknown.shp", [(13.5, 52.5)])
     orv("--to", "EPSG:32633", "unknown.shp", status=2, err="orv: layer 'unknown' does not say its system: give --from\n")
+    for output in ("utm2.gpkg", "utm2.shp"):  # nothing is left of an output that fails
+        orv("--to", "EPSG:32633", "unknown.shp", "-o", output, status=2,
+            err="orv: layer 'unknown' does not say its system: give --from\n")
+        expect((folder / output).exists(), False, output)
     orv("--from", "EPSG:4326", "--to", "EPSG:32633", "unknown.shp", "-o", "utm2.gpkg", err="")
     code, rows = gpkg_points(folder / "utm2.gpkg", "unknown")
     expect(code, 32633, "the code of the target")

@@ -217,7 +217,20 @@ class Run {
  public:
   explicit Run(const OrvVectorJob& job) : m_Job(job) {}
 
+  /// What has been written when it fails is taken away again.
   void Convert() {
+    try {
+      ConvertAll();
+    } catch (...) {
+      m_Output.reset();
+      if (m_pCreatedBy && std::string_view(m_Job.output) != "/vsistdout/")
+        GDALDeleteDataset(m_pCreatedBy, m_Job.output);
+      throw;
+    }
+  }
+
+ private:
+  void ConvertAll() {
     const char* const formats[] = {m_Job.inputFormat, nullptr};
     if (m_Job.inputFormat && !GDALGetDriverByName(m_Job.inputFormat))
       throw Failure(std::string("GDAL has no format '") + m_Job.inputFormat + "'");
@@ -227,6 +240,7 @@ class Run {
     const GDALDriverH driver = OutputDriver(m_Job);
     m_Output.reset(GDALCreate(driver, m_Job.output, 0, 0, 0, GDT_Unknown, nullptr));
     if (!m_Output) FailToWrite();
+    m_pCreatedBy = driver;
     const bool bTransaction = GDALDatasetTestCapability(m_Output.get(), ODsCTransactions) != 0 &&
                               GDALDatasetStartTransaction(m_Output.get(), FALSE) == OGRERR_NONE;
     for (int i = 0; i < GDALDatasetGetLayerCount(input.get()); ++i)
@@ -238,7 +252,6 @@ class Run {
     if (CPLGetLastErrorType() >= CE_Failure) FailToWrite();
   }
 
- private:
   [[noreturn]] void FailToWrite() const {
     throw Failure(std::string("cannot write '") + m_Job.output + "': " + GdalSays());
   }
@@ -305,6 +318,7 @@ class Run {
 
   const OrvVectorJob& m_Job;
   Dataset m_Output;
+  GDALDriverH m_pCreatedBy = nullptr;
 };
 
 }  // namespace

@@ -29,7 +29,7 @@ typedef struct OrvVectorJob {
 
 /// ORV_VECTOR_VERSION of the module.
 int orv_vector_version(void);
-/// Converts all layers.  @return 0, or 1 with what has failed in `error`, cut to its size ("" when a callback did).
+/// Converts all layers; an output that fails is removed.  @return 0, or 1 with what has failed in `error`, cut to its size ("" when a callback did).
 int orv_vector_convert(const OrvVectorJob* job, char* error, size_t errorSize);
 
 #ifdef __cplusplus

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "orv/convert/internal/CommentFields.h"
 #include "orv/datum/DatumDef.h"
 #include "orv/projection/ProjectionDef.h"
 #include "orv/system/ORVDef.h"
@@ -182,6 +183,16 @@ std::string ValueText(const Json& value) {
   return value.dump();
 }
 
+/// The fields of a comment below each other.
+std::string InLines(const std::string& comment, size_t indent) {
+  std::string text;
+  for (const std::string_view field : internal::CommentFields(comment)) {
+    if (!text.empty()) text += '\n' + std::string(indent, ' ');
+    text += field;
+  }
+  return text;
+}
+
 void AppendLines(std::string& text, const Json& json, size_t indent) {
   const std::string blanks(indent, ' ');
   size_t width = 0;
@@ -193,7 +204,9 @@ void AppendLines(std::string& text, const Json& json, size_t indent) {
     // Steps and the like are counted from 1.
     const std::string label = json.is_array() ? std::to_string(++number) : key;
     if (value.is_primitive()) {
-      text += fmt::format("{}{:<{}}  {}\n", blanks, label, width, ValueText(value));
+      std::string shown = ValueText(value);
+      if (key == "comment") shown = InLines(shown, indent + width + 2);
+      text += fmt::format("{}{:<{}}  {}\n", blanks, label, width, shown);
     } else {
       text += fmt::format("{}{}{}\n", blanks, label, value.empty() ? "  none" : "");
       AppendLines(text, value, indent + 2);

@@ -24,7 +24,7 @@ Json DescribeSystem(const CSDef& system);
 Json DescribeRoute(const std::vector<DatumStep>& steps);
 
 /// One line for each member: its key and its value, values below each other; objects and arrays follow their
-/// key, indented.  Ends in a line feed.
+/// key, indented.  The fields of a comment, between which it has "; ", stand below each other.  Ends in a line feed.
 std::string ForPeople(const Json& description);
 
 /// Lines of JSON that end in a line feed; bytes that are no UTF-8 become U+FFFD.

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <fmt/core.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -62,5 +63,10 @@ void WriteDirectly(const char* bytes, size_t size) {
 }
 
 bool ErrorIsTerminal() { return isatty(STDERR_FILENO) != 0; }
+
+int ErrorColumns() {
+  winsize size{};
+  return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
 
 }  // namespace orv::tool

@@ -37,5 +37,7 @@ void WriteDirectly(const char* bytes, size_t size);
 
 /// Whether standard error is a terminal.
 bool ErrorIsTerminal();
+/// Columns of that terminal; 0 when they are not known.
+int ErrorColumns();
 
 }  // namespace orv::tool

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "tools/orv/Descriptor.h"
+
 namespace orv::tool {
 
 namespace {
@@ -53,8 +55,10 @@ void Progress::Update(uint64_t done, uint64_t points) {
   const Clock::time_point now = Clock::now();
   if (now < m_Next) return;
   m_Next = now + std::chrono::milliseconds(100);
-  const std::string text =
-      ProgressText(done, m_Size, points, std::chrono::duration<double>(now - m_Start).count());
+  std::string text = ProgressText(done, m_Size, points, std::chrono::duration<double>(now - m_Start).count());
+  // A line that goes on in the next row could not be taken away.
+  if (const int columns = ErrorColumns(); columns > 0)
+    text.resize(std::min(text.size(), static_cast<size_t>(columns - 1)));
   fmt::print(stderr, "\r\033[K{}{}{}", m_bColour ? "\033[36m" : "", text, m_bColour ? "\033[0m" : "");
   std::fflush(stderr);
   m_bVisible = true;

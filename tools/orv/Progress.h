@@ -13,7 +13,7 @@ namespace orv::tool {
 /// @param size  bytes in all; 0 when that is not known.
 std::string ProgressText(uint64_t done, uint64_t size, uint64_t points, double seconds);
 
-/// Shows it on standard error from the first second on, ten times a second at most.
+/// Shows it on standard error from the first second on, ten times a second at most; cut to the columns of the terminal.
 ///
 /// Coloured unless NO_COLOR is set to something; nothing at all is shown when TERM is "dumb".
 class Progress {
