@@ -68,7 +68,7 @@ class ConvertBadInput : public ::testing::Test {
       try {
         InputFile source(file);
         TextOptions options;
-        options.fromGeographic = true;
+        options.fromGeographic = options.fromDegrees = true;
         TextForm form(options);
         if (bBinary) {
           ConvertBinary(source, false, m_Conversion, workers, outcome.tally);

@@ -50,7 +50,7 @@ TextForm::Start TextForm::Begin(std::string_view lines) {
       at += line.size;
       continue;
     }
-    if (HoldsCarriageReturn(line.text)) {
+    if (lines.find('\n') == std::string_view::npos && HoldsCarriageReturn(line.text)) {
       throw UsageError(
           "the lines end in carriage returns alone: turn them into line feeds first, as by tr '\\r' '\\n'");
     }
