@@ -6,6 +6,7 @@
 
 #include "orv/core/Platform.h"
 #include "orv/core/internal/Fail.h"
+#include "orv/core/internal/Number.h"
 #include "orv/core/internal/Text.h"
 
 ORV_UNIT("ConfigFile")
@@ -31,8 +32,22 @@ struct KindTable {
 constexpr KindTable kKinds;
 Kind KindOf(char c) { return kKinds.kinds[static_cast<unsigned char>(c)]; }
 
-const char* SkipKind(Kind kind, const char* at, const char* end) {
-  while (at != end && KindOf(*at) == kind) ++at;
+// Stands behind the text, eight times, and ends what is white and what is plain.
+constexpr char kGuard = '}';
+constexpr size_t kGuards = 8;
+
+const char* SkipWhite(const char* at) {
+  constexpr char kLineOfEntry[] = "\n   ";  // how nearly every line begins
+  if (std::memcmp(at, kLineOfEntry, 4) == 0) at += 4;
+  while (KindOf(*at) == Kind::White) ++at;
+  return at;
+}
+
+const char* SkipPlain(const char* at) {
+  while (KindOf(*at) == Kind::Plain) {
+    if (*at++ != '.') continue;
+    while (internal::AreEightDigits(at)) at += 8;  // numbers have 20 decimals, mostly
+  }
   return at;
 }
 
@@ -119,7 +134,7 @@ bool ConfigFileReader::TryOpen(const char* fileName) {
   m_FileName = fileName;
   m_Token = {};
   m_bGivenBack = false;
-  m_Size = m_At = 0;
+  m_pAt = m_pEnd = nullptr;
   std::FILE* const file = platform::OpenFile(m_FileName.c_str(), "rb");
   if (!file) return false;
   m_bOpen = true;
@@ -138,49 +153,42 @@ void ConfigFileReader::Close() {
   m_Token = {};
   m_pText.reset();
   m_Unescaped.clear();
-  m_Size = m_At = 0;
+  m_Numbers.Clear();
+  m_pAt = m_pEnd = nullptr;
 }
 
 void ConfigFileReader::ReadAll(std::FILE* file) {
   const bool told = std::fseek(file, 0, SEEK_END) == 0;
   const long length = told ? std::ftell(file) : 0;
   if (told) std::rewind(file);
-  size_t room = std::max(kLeastRoom, static_cast<size_t>(std::max(length, 0L)) + 1);
-  m_pText.reset(new char[room]);
-  while (const size_t count = std::fread(m_pText.get() + m_Size, 1, room - m_Size, file)) {
-    m_Size += count;
-    if (m_Size < room) continue;
+  size_t room = std::max(kLeastRoom, static_cast<size_t>(std::max(length, 0L)) + 1), size = 0;
+  m_pText.reset(new char[room + kGuards]);
+  while (const size_t count = std::fread(m_pText.get() + size, 1, room - size, file)) {
+    size += count;
+    if (size < room) continue;
     room *= 2;
-    std::unique_ptr<char[]> larger(new char[room]);
-    std::memcpy(larger.get(), m_pText.get(), m_Size);
+    std::unique_ptr<char[]> larger(new char[room + kGuards]);
+    std::memcpy(larger.get(), m_pText.get(), size);
     m_pText = std::move(larger);
   }
+  m_pAt = m_pText.get();
+  m_pEnd = m_pAt + size;
+  std::memset(m_pText.get() + size, kGuard, kGuards);
 }
 
 int ConfigFileReader::Line() const {
   const char* const text = m_pText.get();
-  return 1 + static_cast<int>(std::count(text, text + m_At, '\n'));
+  return 1 + static_cast<int>(std::count(text, m_pAt, '\n'));
 }
 
 // Up to the same quote, which is read, or to the line's end, which is not.
-void ConfigFileReader::TakeQuoted() {
-  const char* const begin = m_pText.get() + m_At + 1;
-  const char* const lineEnd = LineEnd(begin, m_pText.get() + m_Size);
-  const auto length = static_cast<size_t>(lineEnd - begin);
-  const void* const quote = std::memchr(begin, begin[-1], length);
-  const char* const end = quote ? static_cast<const char*>(quote) : lineEnd;
+void ConfigFileReader::TakeQuoted(const char* quote) {
+  const char* const begin = quote + 1;
+  const char* const lineEnd = LineEnd(begin, m_pEnd);
+  const void* const last = std::memchr(begin, *quote, static_cast<size_t>(lineEnd - begin));
+  const char* const end = last ? static_cast<const char*>(last) : lineEnd;
   m_Token = {begin, static_cast<size_t>(end - begin)};
-  m_At = static_cast<size_t>(end - m_pText.get()) + (quote ? 1 : 0);
-}
-
-void ConfigFileReader::TakePlain() {
-  const char* const begin = m_pText.get() + m_At;
-  const char* const end = SkipKind(Kind::Plain, begin + 1, m_pText.get() + m_Size);
-  m_Token = {begin, static_cast<size_t>(end - begin)};
-  m_At += m_Token.size();
-  if (m_bUnescape && m_Token.find('\\') != std::string_view::npos) {
-    m_Token = m_Unescaped.emplace_back(Unescaped(m_Token));
-  }
+  m_pAt = last ? end + 1 : end;
 }
 
 bool ConfigFileReader::Next() {
@@ -188,22 +196,43 @@ bool ConfigFileReader::Next() {
     m_bGivenBack = false;
     return true;
   }
-  const char* const text = m_pText.get();
-  const char* const end = text + m_Size;
-  const char* at = SkipKind(Kind::White, text + m_At, end);
-  while (at != end && *at == ';') at = SkipKind(Kind::White, LineEnd(at, end), end);  // comments
-  m_At = static_cast<size_t>(at - text);
   m_Token = {};
-  if (at == end) return false;
-  if (*at == '"' || *at == '\'') {
-    TakeQuoted();
-  } else if (KindOf(*at) == Kind::Plain) {
-    TakePlain();
-  } else {
-    m_Token = {at, 1};
-    ++m_At;
+  if (m_pAt == m_pEnd) return false;
+  const char* at = SkipWhite(m_pAt);
+  while (*at == ';') at = SkipWhite(LineEnd(at, m_pEnd));  // comments
+  m_pAt = at;
+  if (at == m_pEnd) return false;
+  if (KindOf(*at) == Kind::Plain) {
+    if (*at == '"' || *at == '\'') {
+      TakeQuoted(at);
+      return true;
+    }
+    m_pAt = SkipPlain(at + 1);
+    m_Token = {at, static_cast<size_t>(m_pAt - at)};
+    if (m_bUnescape && m_Token.find('\\') != std::string_view::npos) {
+      m_Token = m_Unescaped.emplace_back(Unescaped(m_Token));
+    }
+    return true;
   }
+  m_Token = {at, 1};
+  ++m_pAt;
   return true;
+}
+
+const internal::RecentNumbers::Number& internal::RecentNumbers::Find(std::string_view text) {
+  uint64_t ends[2] = {};
+  if (text.size() >= sizeof ends) {
+    std::memcpy(&ends[0], text.data(), 8);
+    std::memcpy(&ends[1], text.data() + text.size() - 8, 8);
+  }
+  const uint64_t hash = (ends[0] ^ ends[1] << 1) * 0x9e3779b97f4a7c15u;
+  Number& number = m_Numbers[hash >> 55];  // one of 512
+  if (number.text == text && !text.empty()) return number;
+  size_t end = 0;
+  number.value = ReadDecimal(text, &end);
+  number.isWhole = end == text.size();
+  number.text = text;
+  return number;
 }
 
 // ---- writer ----------------------------------------------------------------------------------------------

@@ -9,7 +9,9 @@
 // open, 1030 for a failed write.
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <deque>
 #include <memory>
@@ -20,6 +22,26 @@
 #include "orv/core/Platform.h"
 
 namespace orv {
+
+namespace internal {
+
+/// Numbers that were read lately, by their texts: in files of definitions most of them are the same few.
+class RecentNumbers {
+ public:
+  struct Number {
+    std::string_view text;
+    double value = 0.0;    ///< of ReadDecimal
+    bool isWhole = false;  ///< the text is a number throughout
+  };
+  /// @param text  stays where it is as long as this object is used.
+  const Number& Find(std::string_view text);
+  void Clear() { m_Numbers = {}; }
+
+ private:
+  std::array<Number, 512> m_Numbers;
+};
+
+}  // namespace internal
 
 /// Splits a file, which is read whole when it is opened, into tokens.  Every read character is a byte; no
 /// character is special beyond those named above.
@@ -39,11 +61,20 @@ class ORV_API ConfigFileReader {
 
   /// Reads the next token; false at the end of the file.
   bool Next();
+  /// Reads the next token when it is this delimiter and nothing stands before it; else false, and nothing is read.  Quicker
+  /// than Next for what is mostly there.
+  bool NextAtOnce(char delimiter) {
+    if (m_bGivenBack || m_pAt == m_pEnd || *m_pAt != delimiter) return false;
+    m_Token = {m_pAt++, 1};
+    return true;
+  }
   /// Gives the present token back, so that Next reads it again.  One token only.
   void GiveBack() { m_bGivenBack = true; }
 
   /// The present token, valid until the file is closed.
   std::string_view Token() const { return m_Token; }
+  /// The number that a token of this file begins with.
+  const internal::RecentNumbers::Number& Decimal(std::string_view token) { return m_Numbers.Find(token); }
   /// Number of the line that was read last, from 1; a line feed that ends a token is not counted until it is
   /// read.  Counted when it is asked for, which is for messages only.
   int Line() const;
@@ -51,8 +82,7 @@ class ORV_API ConfigFileReader {
 
  private:
   void ReadAll(std::FILE* file);
-  void TakeQuoted();
-  void TakePlain();
+  void TakeQuoted(const char* quote);
 
   std::string m_FileName;
   bool m_bOpen = false;
@@ -60,9 +90,10 @@ class ORV_API ConfigFileReader {
   bool m_bGivenBack = false;
   std::string_view m_Token;         // within the text, or the last of the unescaped ones
   std::unique_ptr<char[]> m_pText;  // the whole file
-  size_t m_Size = 0;                // its length
-  size_t m_At = 0;                  // characters that have been read
+  const char* m_pAt = nullptr;      // what has been read ends here
+  const char* m_pEnd = nullptr;     // of the text
   std::deque<std::string> m_Unescaped;
+  internal::RecentNumbers m_Numbers;
 };
 
 /// Writes a configuration file.  Lines end in a line feed on every platform.

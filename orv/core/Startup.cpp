@@ -1,6 +1,8 @@
 #include "orv/core/Startup.h"
 
 #include <cstdarg>
+#include <memory>
+#include <utility>
 
 #include "orv/core/ConfigFile.h"
 #include "orv/core/ORVGlobals.h"
@@ -15,6 +17,7 @@
 #include "orv/projection/ProjectionDef.h"
 #include "orv/system/CSList.h"
 #include "orv/system/ORVDef.h"
+#include "orv/system/internal/SharedParts.h"
 #include "orv/tables/AngularUnits.h"
 #include "orv/tables/EllipsoidList.h"
 #include "orv/tables/LinearUnits.h"
@@ -110,27 +113,32 @@ const KnownFile kKnownFiles[] = {
     {"system.ocf", &LoadInto<&ORVKnownSystemsList>, &ORVGlobals::systemsLoadTime},
 };
 
+using internal::SharedParts;
+
 constexpr unsigned long kHasGeographicSystem = 1;  // flag of a datum
 
 /// The geographic system of a known datum.
-ORVDef GeographicSystem(const DatumDef& datum) {
+std::unique_ptr<ORVDef> GeographicSystem(std::shared_ptr<const DatumDef> shared) {
+  const DatumDef& datum = *shared;
   // The projection carries the datum's ellipsoid although longitude and latitude need none; a datum without one
   // is no obstacle.
-  ProjectionDef projection(ProjectionMethodUnprojected);
-  projection.SetParameter(ProjectionParameterIDEllipsoid, *datum.GetEllipsoid());
-  ORVDef system(&datum, &projection, nullptr);
-  system.SetToken((std::string("GEOGCS_") + internal::EmptyIfNull(datum.GetToken())).c_str());
-  system.SetName((std::string("Geographic (lat/lon)|") + internal::EmptyIfNull(datum.GetName())).c_str());
+  auto projection = std::make_unique<ProjectionDef>(ProjectionMethodUnprojected);
+  projection->SetParameter(ProjectionParameterIDEllipsoid, *datum.GetEllipsoid());
+  auto system = std::make_unique<ORVDef>();
+  SharedParts::SetDatum(*system, shared);
+  SharedParts::SetProjection(*system, std::move(projection));
+  system->SetToken((std::string("GEOGCS_") + internal::EmptyIfNull(datum.GetToken())).c_str());
+  system->SetName((std::string("Geographic (lat/lon)|") + internal::EmptyIfNull(datum.GetName())).c_str());
   const int posc = datum.GetPOSCNumber();
   // Deliberate: 6999 itself has no geographic counterpart.
-  if (posc >= 6000 && posc <= 6998) system.SetPOSC(posc - 2000);
+  if (posc >= 6000 && posc <= 6998) system->SetPOSC(posc - 2000);
   return system;
 }
 
 void AddGeographicSystems() {
   for (int index = ORVKnownDatumsList.First(); index <= ORVKnownDatumsList.Last(); ++index) {
     if (!(ORVKnownDatumsList.EnumFlags(index) & kHasGeographicSystem)) continue;
-    ORVKnownSystemsList.Add(GeographicSystem(*ORVKnownDatumsList.Enum(index)));
+    SharedParts::Add(ORVKnownSystemsList, GeographicSystem(SharedParts::DatumAt(ORVKnownDatumsList, index)));
   }
 }
 

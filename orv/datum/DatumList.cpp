@@ -18,19 +18,29 @@ namespace orv {
 
 namespace {
 
-using NameKey = internal::TextKey<DatumDef, &DatumDef::GetName>;
-using POSCKey = internal::NumberKey<DatumDef, &DatumDef::GetPOSCNumber>;
-using TokenKey = internal::TextKey<DatumDef, &DatumDef::GetToken>;
-
 constexpr uint32_t kGeogcs = 1;  // flag: the datum has a geographic system of its own
 
-/// A datum with its flags.
-struct Entry : DatumDef {
-  Entry() = default;
-  Entry(const DatumDef& def, unsigned long word) : DatumDef(def), flags(static_cast<uint32_t>(word)) {}
+/// A datum, which systems may share, with its flags.
+class Entry {
+ public:
+  Entry(DatumDef def, unsigned long word)
+      : flags(static_cast<uint32_t>(word)), m_pDef(std::make_shared<const DatumDef>(std::move(def))) {}
 
-  uint32_t flags = 0;
+  const DatumDef& Def() const { return *m_pDef; }
+  const std::shared_ptr<const DatumDef>& Shared() const { return m_pDef; }
+  const char* GetName() const { return m_pDef->GetName(); }
+  const char* GetToken() const { return m_pDef->GetToken(); }
+  int GetPOSCNumber() const { return m_pDef->GetPOSCNumber(); }
+
+  uint32_t flags;
+
+ private:
+  std::shared_ptr<const DatumDef> m_pDef;
 };
+
+using NameKey = internal::TextKey<Entry, &Entry::GetName>;
+using POSCKey = internal::NumberKey<Entry, &Entry::GetPOSCNumber>;
+using TokenKey = internal::TextKey<Entry, &Entry::GetToken>;
 
 struct DatumTraits;
 using Core = internal::ListCore<DatumTraits>;
@@ -138,16 +148,20 @@ struct DatumList::Impl {
 
   /// Checks an entry that is to be added, or to replace the one at `except`; false after a report.
   bool Accepts(const Entry& entry, bool known, int except) const {
-    if (entry.CheckParameters() != DatumParameterIDNone) {
+    if (entry.Def().CheckParameters() != DatumParameterIDNone) {
       return ORV_FAIL(ErrBadParameter, "Invalid datum parameters specified.");
     }
     const char* const clash = known ? core.Clash(entry, except) : nullptr;
     return !clash || ORV_FAIL(ErrBadParameter, "%s", clash);
   }
 
+  int Add(const Entry& entry, bool known) {
+    return Accepts(entry, known, Core::kNone) ? core.Append(entry) : Core::kNone;
+  }
+
   /// Copies a found entry out.
   int Found(int index, DatumDef* out) const {
-    if (out && index != Core::kNone) *out = core.At(index);
+    if (out && index != Core::kNone) *out = core.At(index).Def();
     return index;
   }
 };
@@ -166,11 +180,18 @@ int DatumList::Count() const { return m_pImpl->core.Count(); }
 int DatumList::First() const { return m_pImpl->core.First(); }
 int DatumList::Last() const { return m_pImpl->core.Last(); }
 
-const DatumDef* DatumList::Enum(int index) const { return m_pImpl->core.Get(index, ORV_SITE); }
+const DatumDef* DatumList::Enum(int index) const {
+  const Entry* const entry = m_pImpl->core.Get(index, ORV_SITE);
+  return entry ? &entry->Def() : nullptr;
+}
+
+std::shared_ptr<const DatumDef> DatumList::SharedAt(int index) const {
+  return m_pImpl->core.At(index).Shared();
+}
 
 bool DatumList::Enum(int index, DatumDef& out) const {
   const Entry* const entry = m_pImpl->core.Get(index, ORV_SITE);
-  if (entry) out = *entry;
+  if (entry) out = entry->Def();
   return entry != nullptr;
 }
 
@@ -208,24 +229,25 @@ unsigned long DatumList::EnumFlags(int index) const {
 
 bool DatumList::EnumParameters(int index, DatumParameters& out) const {
   const Entry* const entry = m_pImpl->core.Get(index, ORV_SITE);
-  if (entry) entry->GetParameters(out);
+  if (entry) entry->Def().GetParameters(out);
   return entry != nullptr;
 }
 
 int DatumList::FindDatum(const DatumDef& def) const {
-  return m_pImpl->core.Find([&def](const Entry& entry) { return entry.CompareParameters(&def); });
+  return m_pImpl->core.Find([&def](const Entry& entry) { return entry.Def().CompareParameters(&def); });
 }
 
 int DatumList::FindSpecial(DatumTarget target, int start) const {
-  return m_pImpl->core.Find([target](const Entry& entry) { return entry.GetSpecial() == target; }, start);
+  return m_pImpl->core.Find([target](const Entry& entry) { return entry.Def().GetSpecial() == target; },
+                            start);
 }
 
 int DatumList::FindByName(const char* name, DatumDef* out) const {
-  return internal::FindText<NameKey>(m_pImpl->core, name, out);
+  return m_pImpl->Found(internal::FindText<NameKey>(m_pImpl->core, name), out);
 }
 
 int DatumList::FindByToken(const char* token, DatumDef* out) const {
-  return internal::FindText<TokenKey>(m_pImpl->core, token, out);
+  return m_pImpl->Found(internal::FindText<TokenKey>(m_pImpl->core, token), out);
 }
 
 int DatumList::FindByPOSCNumber(int posc, DatumDef* out, int start) const {
@@ -238,7 +260,7 @@ int DatumList::FindByPOSCNumber(int posc, DatumDef* out, int start) const {
 int DatumList::FindByPOSCNumberAndMethod(int posc, DatumMethod method, DatumDef* out, int start) const {
   if (posc < 1) return Core::kNone;
   const auto matches = [posc, method](const Entry& entry) {
-    return entry.GetPOSCNumber() == posc && entry.GetMethod() == method;
+    return entry.GetPOSCNumber() == posc && entry.Def().GetMethod() == method;
   };
   if (start < 0) {
     const int any = m_pImpl->core.FindByKey<POSCKey>(posc);
@@ -249,9 +271,7 @@ int DatumList::FindByPOSCNumberAndMethod(int posc, DatumMethod method, DatumDef*
 }
 
 int DatumList::Add(const DatumDef& def, unsigned long flags) {
-  Entry entry(def, flags);
-  const bool known = this == &ORVKnownDatumsList;
-  return m_pImpl->Accepts(entry, known, Core::kNone) ? m_pImpl->core.Append(std::move(entry)) : Core::kNone;
+  return m_pImpl->Add(Entry(def, flags), this == &ORVKnownDatumsList);
 }
 
 bool DatumList::Replace(int index, const DatumDef& def, unsigned long flags) {
@@ -304,7 +324,7 @@ bool DatumList::Load(const char* file, bool reportErrors) {
           ORV_FAIL(ErrSyntax, "%s(%d):  Datum fails validity check.\n%s", reader.FileName(), reader.Line(),
                    why.c_str());
         }
-        Add(entry, geogcs ? kGeogcs : 0);
+        m_pImpl->Add(Entry(std::move(entry), geogcs ? kGeogcs : 0), this == &ORVKnownDatumsList);
       });
 }
 
@@ -315,7 +335,7 @@ bool DatumList::Save(const char* file) const {
   for (const Entry& entry : m_pImpl->core.Entries()) {
     internal::WriteEntry(writer, ++number, Count(), [&entry](internal::KeyWriter& keys) {
       bool geogcs = (entry.flags & kGeogcs) != 0;
-      internal::DatumEntry::Walk(keys, static_cast<const DatumDef&>(entry), geogcs);
+      internal::DatumEntry::Walk(keys, entry.Def(), geogcs);
     });
   }
   writer.Write(kFile.trailer);
@@ -328,7 +348,7 @@ void DatumList::DebugDump(std::string& text, size_t indent) const {
   dump.Line("DatumList this=%p:", static_cast<const void*>(this));
   for (int index = First(); index <= Last(); ++index) {
     dump.Line("ENTRY %d", index);
-    m_pImpl->core.At(index).DebugDump(text, indent);
+    m_pImpl->core.At(index).Def().DebugDump(text, indent);
   }
   internal::DumpTextIndex<NameKey>(dump, "IndexByName:", m_pImpl->core);
   internal::DumpTextIndex<TokenKey>(dump, "IndexByToken:", m_pImpl->core);

@@ -10,6 +10,10 @@
 
 namespace orv {
 
+namespace internal {
+struct SharedParts;
+}
+
 /// Datums in insertion (file) order, each with a word of flags; found by name, token, POSC number, special
 /// role or parameters.
 ///
@@ -58,7 +62,7 @@ class ORV_API DatumList {
   int FindByToken(const char* token, DatumDef* out) const;
   /// Index or 0; numbers below 1 give 0.
   ///
-  /// @param start  below 0: any entry of that number (a binary search); else the first one from there on.
+  /// @param start  below 0: any entry of that number (by the index); else the first one from there on.
   int FindByPOSCNumber(int posc, DatumDef* out, int start) const;
   /// The same with the entry's method as a second condition.
   int FindByPOSCNumberAndMethod(int posc, DatumMethod method, DatumDef* out, int start) const;
@@ -94,6 +98,9 @@ class ORV_API DatumList {
   void DebugDump(std::string& text, size_t indent) const;
 
  private:
+  friend struct internal::SharedParts;
+  std::shared_ptr<const DatumDef> SharedAt(int index) const;
+
   struct Impl;
   std::unique_ptr<Impl> m_pImpl;
 };

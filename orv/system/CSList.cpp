@@ -123,16 +123,19 @@ struct CSList::Impl {
   Core core;
 
   /// Checks a system that is to be added, or to replace the one at `except`; false after a report.
-  bool Accepts(const Entry& entry, bool known, int except) const {
+  ///
+  /// @param checked  its Check has been passed.
+  bool Accepts(const Entry& entry, bool known, int except, bool checked = false) const {
     if (const char* const clash = known ? core.Clash(entry, except) : nullptr) {
       return ORV_FAIL(ErrBadParameter, "%s", clash);
     }
+    if (checked) return true;
     std::string why;
     return entry.System().Check(why) ||
            ORV_FAIL(ErrBadParameter, "Coordinate system fails validity check.  %s", why.c_str());
   }
-  int Add(Entry entry, bool known) {
-    return Accepts(entry, known, Core::kNone) ? core.Append(std::move(entry)) : Core::kNone;
+  int Add(Entry entry, bool known, bool checked = false) {
+    return Accepts(entry, known, Core::kNone, checked) ? core.Append(std::move(entry)) : Core::kNone;
   }
 };
 
@@ -171,15 +174,13 @@ const char* CSList::EnumName(int pos) const {
 }
 
 int CSList::FindByToken(const char* token) const {
-  return token && *token != '\0' ? m_pImpl->core.FindByKey<TokenKey>(token) : Core::kNone;
+  return internal::FindText<TokenKey>(m_pImpl->core, token);
 }
 
-int CSList::FindByName(const char* name) const {
-  return name && *name != '\0' ? m_pImpl->core.FindByKey<NameKey>(name) : Core::kNone;
-}
+int CSList::FindByName(const char* name) const { return internal::FindText<NameKey>(m_pImpl->core, name); }
 
 int CSList::FindByShortName(const char* name) const {
-  return name && *name != '\0' ? m_pImpl->core.FindByKey<ShortNameKey>(name) : Core::kNone;
+  return internal::FindText<ShortNameKey>(m_pImpl->core, name);
 }
 
 int CSList::FindSystem(const CSDef& cs, bool ignoreWarp, std::vector<int>& positions) const {
@@ -209,8 +210,10 @@ int CSList::FindSystem(const CSDef& cs, bool ignoreWarp, bool firstMatch) const 
   return best;
 }
 
-int CSList::Add(const CSDef& cs) {
-  return m_pImpl->Add(Entry(std::unique_ptr<CSDef>(cs.Clone())), this == &ORVKnownSystemsList);
+int CSList::Add(const CSDef& cs) { return AddOwned(std::unique_ptr<CSDef>(cs.Clone())); }
+
+int CSList::AddOwned(std::unique_ptr<CSDef> system) {
+  return m_pImpl->Add(Entry(std::move(system)), this == &ORVKnownSystemsList);
 }
 
 bool CSList::Replace(int pos, const CSDef& cs) {
@@ -250,7 +253,10 @@ bool CSList::Load(const char* fileName, bool bThrowIfFileMissing) {
     system->ReadConfigEntry(&reader);
     if (*system->GetToken() == '\0') return complain("%s(%d):  No token parameter specified.\n");
     if (*system->GetName() == '\0') return complain("%s(%d):  No name parameter specified.\n");
-    if (m_pImpl->Add(Entry(std::move(system)), this == &ORVKnownSystemsList) == Core::kNone) return false;
+    // The parts that an entry of an ORVDef describes have been checked when they were set.
+    const bool checked = system->Type() == CSTypeORV;
+    const bool known = this == &ORVKnownSystemsList;
+    if (m_pImpl->Add(Entry(std::move(system)), known, checked) == Core::kNone) return false;
   }
   return Count() > 0 || ORV_FAIL(ErrSyntax, "No coordinate systems in configuration file.");
 }

@@ -11,11 +11,15 @@
 
 namespace orv {
 
+namespace internal {
+struct SharedParts;
+}
+
 /// Coordinate systems in insertion (file) order, found by token, name, short name or by what they mean.  The
 /// list owns clones of what it is given.
 ///
 /// Deliberate: positions run from 2 (First) to count + 1 (Last), and 0 means "none"; 0 and 1 never name a
-/// system. Finds by token, name and short name are binary searches of sorted indexes, without regard to case.
+/// system. Finds by token, name and short name use indexes, without regard to case.
 /// The library-wide list, ORVKnownSystemsList, keeps names and tokens unique; every other list, a copy of that
 /// one too, accepts duplicates, and then a find may meet any of them.
 ///
@@ -91,6 +95,9 @@ class ORV_API CSList {
   void DebugDump(std::string& text, size_t indent) const;
 
  private:
+  friend struct internal::SharedParts;
+  int AddOwned(std::unique_ptr<CSDef> system);
+
   struct Impl;
   std::unique_ptr<Impl> m_pImpl;
 };

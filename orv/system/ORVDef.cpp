@@ -30,9 +30,13 @@ template <class T>
 std::unique_ptr<T> CopyOf(const std::unique_ptr<T>& part) {
   return part ? std::make_unique<T>(*part) : nullptr;
 }
-
 template <class T>
-void DumpPart(const std::unique_ptr<T>& part, std::string& text, size_t indent) {
+std::shared_ptr<const T> CopyOf(const std::shared_ptr<const T>& part) {
+  return part ? std::make_shared<const T>(*part) : nullptr;
+}
+
+template <class Pointer>
+void DumpPart(const Pointer& part, std::string& text, size_t indent) {
   if (part) {
     part->DebugDump(text, indent + 2);
   } else {
@@ -100,17 +104,21 @@ void ORVDef::CopyAll(const ORVDef& other) {
 // The old part lives until its setter ends, since the argument may be that very part.
 
 void ORVDef::SetDatum(const DatumDef* datum) {
-  const std::unique_ptr<DatumDef> old = std::move(m_pDatum);
+  const std::shared_ptr<const DatumDef> old = std::move(m_pDatum);
   if (!datum) return;
   if (datum->CheckParameters() != 0) {
     ORV_FAIL(ErrBadParameter, "Datum parameters not valid.");
     return;
   }
-  m_pDatum = std::make_unique<DatumDef>(*datum);
+  m_pDatum = std::make_shared<const DatumDef>(*datum);
 }
 
 void ORVDef::SetProjection(const ProjectionDef* projection) {
-  const std::unique_ptr<ProjectionDef> old = std::move(m_pProjection);
+  TakeProjection(projection ? std::make_unique<ProjectionDef>(*projection) : nullptr);
+}
+
+void ORVDef::TakeProjection(std::unique_ptr<ProjectionDef> projection) {
+  m_pProjection.reset();
   if (!projection) return;
   const ProjectionParameterID bad = projection->CheckParameters();
   if (bad != ProjectionParameterIDNone) {
@@ -118,7 +126,7 @@ void ORVDef::SetProjection(const ProjectionDef* projection) {
              internal::EmptyIfNull(ProjectionDef::ParameterName(bad)));
     return;
   }
-  m_pProjection = std::make_unique<ProjectionDef>(*projection);
+  m_pProjection = std::move(projection);
 }
 
 void ORVDef::SetWarp(const WarpDef* warp) {

@@ -15,6 +15,7 @@ class ProjectionDef;
 
 namespace internal {
 struct BlockAccess;
+struct SharedParts;
 struct SystemEntry;
 }  // namespace internal
 
@@ -118,15 +119,17 @@ class ORV_API ORVDef : public CSDef {
 
  private:
   friend struct internal::BlockAccess;
+  friend struct internal::SharedParts;
   friend struct internal::SystemEntry;
 
   template <class Walker, class Self>
   static void Fields(Walker& w, Self& d);
   void DecodeBlock(const std::string& text, size_t* at);
+  void TakeProjection(std::unique_ptr<ProjectionDef> projection);
   const char* FirstDifference(const ORVDef& other, bool ignoreWarp, std::string& room) const;
 
   std::unique_ptr<ProjectionDef> m_pProjection;
-  std::unique_ptr<DatumDef> m_pDatum;
+  std::shared_ptr<const DatumDef> m_pDatum;  // the known systems share those of the known datums
   std::unique_ptr<WarpDef> m_pWarp;
   std::string m_LegacyName;
   int m_POSC = 0;

@@ -3,18 +3,22 @@
 // Keys may come in any order.  The parts that an entry describes are collected while it is read and set on
 // the system at its closing brace, datum first, then projection, then warp, each only when one of its keys
 // was met.
+#include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "orv/core/internal/ConfigEntry.h"
 #include "orv/datum/DatumDef.h"
 #include "orv/datum/DatumList.h"
 #include "orv/projection/ProjectionDef.h"
+#include "orv/projection/internal/ProjectionTables.h"
 #include "orv/shared/Exception.h"
 #include "orv/system/ORVDef.h"
 #include "orv/system/UCSDef.h"
+#include "orv/system/internal/SharedParts.h"
 #include "orv/tables/EllipsoidList.h"
 #include "orv/tables/LatLonText.h"
 #include "orv/warp/WarpDef.h"
@@ -91,8 +95,8 @@ void WalkEllipsoid(Walker& w, EllipsoidDef& ellipsoid, const EllipsoidKeys& keys
 
 /// A datum in pieces, or a known one that has not been taken to pieces.
 struct DatumDraft {
-  const DatumDef* known = nullptr;  ///< then the pieces do not count
-  DatumDef whole;                   ///< what has no key of its own: comment and POSC number
+  std::shared_ptr<const DatumDef> known;  ///< then the pieces do not count
+  DatumDef whole;                         ///< what has no key of its own: comment and POSC number
   std::string token;
   std::string name;
   DatumTarget special = DatumTargetNone;
@@ -107,7 +111,7 @@ struct DatumDraft {
   }
   void TakeToPieces() {
     if (known) Take(*known);
-    known = nullptr;
+    known.reset();
   }
   DatumDef Make() {
     DatumDef datum(whole);
@@ -133,7 +137,7 @@ bool FindDatum(DatumDraft& draft, std::string_view tokenOrName) {
   for (const auto& old : kOldNames) {
     if (index == 0 && EqualIgnoringCase(text, old[0])) index = list.FindByName(old[1], nullptr);
   }
-  if (index != 0) draft.known = list.Enum(index);
+  if (index != 0) draft.known = SharedParts::DatumAt(list, index);
   return index != 0;
 }
 
@@ -168,11 +172,6 @@ bool SetSpecial(DatumDraft& d, std::string_view name) {
 bool SetMREType(DatumDraft& d, std::string_view name) {
   d.p.mreType = DatumDef::NameToMREType(std::string(name).c_str());
   return d.p.mreType != DatumMRETypeNone;
-}
-
-/// Whether the key is one of those of WalkDatum.
-bool IsPieceOfDatum(std::string_view key) {
-  return key.size() > 6 && EightFolded(key.substr(0, 6)) == EightFolded("datum_");
 }
 
 /// @param known  written by reference alone.
@@ -220,22 +219,18 @@ void WalkDatum(Walker& w, DatumDraft& d, bool known) {
 // ---- projections -----------------------------------------------------------------------------------------
 
 bool SetProjectionMethod(ProjectionParameters& p, std::string_view name) {
-  p.method = ProjectionDef::NameToMethod(std::string(name).c_str());
+  const auto* const row = RowNamed(kProjectionMethods, name);
+  p.method = row ? row->number : ProjectionMethodUnknown;
   return p.method != ProjectionMethodUnknown;
 }
 
-/// Degrees, or degrees, minutes and seconds.  What is a number throughout is the same either way.
-bool SetAngle(double& angle, std::string_view text) {
-  size_t end = 0;
-  const double number = ReadDecimal(text, &end);
-  if (end == text.size() || !LatLonToDegrees(std::string(text).c_str(), &angle, 'd')) angle = number;
-  return true;
+/// Degrees, minutes and seconds; else the number that the text begins with.
+void SetAngle(double& angle, std::string_view text) {
+  if (!LatLonToDegrees(std::string(text).c_str(), &angle, 'd')) angle = ReadDecimal(text);
 }
 
-template <class Walker>
-void Angle(Walker& w, KeyName key, double& angle, bool write) {
-  if (!kWriting<Walker> || write) w.Parsed(key, kParameter, angle, angle, &SetAngle, "");
-}
+void Angle(KeyReader& w, KeyName key, double& angle, bool) { w.NumberOr(key, angle, &SetAngle); }
+void Angle(KeyWriter& w, KeyName key, double angle, bool write) { w.Number(key, kParameter, angle, write); }
 
 template <class Walker>
 void WalkProjection(Walker& w, ProjectionParameters& p) {
@@ -391,7 +386,7 @@ struct SystemEntry {
           if (keys.Taken()) return;
           Guarded(reader, [&] {
             WalkDatumReference(keys, datum, false);
-            if (IsPieceOfDatum(key)) {
+            if (keys.BeginsWith("datum_")) {  // one of WalkDatum's
               datum.TakeToPieces();
               WalkDatum(keys, datum, false);
             }
@@ -410,14 +405,13 @@ struct SystemEntry {
     if (!complete) return;
     Guarded(reader, [&] {
       if (datum.known) {
-        d.SetDatum(datum.known);
+        SharedParts::SetDatum(d, std::move(datum.known));
       } else if (seenDatum) {
         const DatumDef made = datum.Make();
         d.SetDatum(&made);
       }
       if (seenProjection) {
-        const ProjectionDef made(projection);
-        d.SetProjection(&made);
+        SharedParts::SetProjection(d, std::make_unique<ProjectionDef>(projection));
       }
       if (seenWarp) {
         const WarpDef made = warp.Make();

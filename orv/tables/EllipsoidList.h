@@ -13,7 +13,7 @@ namespace orv {
 /// Ellipsoids in insertion (file) order, found by name, token, POSC number or dimensions.
 ///
 /// Deliberate: indices run from 2 (First) to count + 1 (Last), and 0 means "none"; 0 and 1 never name an
-/// entry. Finds by name, token and POSC number are binary searches of sorted indexes (names and tokens
+/// entry. Finds by name, token and POSC number use indexes (names and tokens
 /// without regard to case). The library-wide list, ORVKnownEllipsoidsList, keeps its entries unique; every
 /// other list accepts duplicates, and then a find may meet any of them.
 ///

@@ -13,6 +13,7 @@
 
 #include "orv/core/Error.h"
 #include "orv/core/internal/Fail.h"
+#include "orv/core/internal/Number.h"
 #include "tests/support/CommaLocale.h"
 #include "tests/support/Generators.h"
 #include "tests/support/Raises.h"
@@ -274,6 +275,56 @@ TEST(ConfigFileReader, AMissingFileIsReportedUnlessItIsOnlyTried) {
   EXPECT_FALSE(reader.TryOpen(missing.c_str()));
   EXPECT_EQ(orv::ORVGetErrorCode(), 0);
   EXPECT_FALSE(reader.Next()) << "no file, no tokens";
+}
+
+TEST(ConfigFileReader, NumbersOfAnyLengthEndWhereTheyEnd) {
+  for (size_t decimals = 0; decimals <= 25; ++decimals) {
+    const std::string number = "-17." + std::string(decimals, '3');
+    EXPECT_EQ(Tokens("x=" + number), Texts({"x", "=", number}));
+    EXPECT_EQ(Tokens("x=" + number + "}"), Texts({"x", "=", number, "}"}));
+    EXPECT_EQ(Tokens("x=" + number + "e\n   y"), Texts({"x", "=", number + "e", "y"}));
+  }
+}
+
+TEST(ConfigFileReader, ADelimiterIsReadAtOnceWhenItIsNext) {
+  const TempFolder folder;
+  ConfigFileReader reader;
+  reader.Open(folder.Write("x.ocf", "a= b}").c_str());
+  EXPECT_FALSE(reader.NextAtOnce('='));
+  ASSERT_TRUE(reader.Next());
+  reader.GiveBack();
+  EXPECT_FALSE(reader.NextAtOnce('=')) << "the token given back is next";
+  ASSERT_TRUE(reader.Next());
+  EXPECT_FALSE(reader.NextAtOnce(':'));
+  EXPECT_EQ(reader.Token(), "a");
+  ASSERT_TRUE(reader.NextAtOnce('='));
+  EXPECT_EQ(reader.Token(), "=");
+  EXPECT_FALSE(reader.NextAtOnce('b')) << "a blank stands before it";
+  ASSERT_TRUE(reader.Next());
+  EXPECT_EQ(reader.Token(), "b");
+  ASSERT_TRUE(reader.NextAtOnce('}'));
+  EXPECT_FALSE(reader.NextAtOnce('}')) << "the file has ended";
+  EXPECT_FALSE(reader.Next());
+}
+
+TEST(RecentNumbers, AreThoseOfTheirTextsHoweverOftenTheyAreAskedFor) {
+  // Texts alike in both ends, or empty, or with something behind the number.
+  std::vector<std::string> texts = {
+      "", "x", "0", "-0", "1e5", "12.5W", "0.99960000000000004405", "0.99960000000000004405 "};
+  for (int i = 0; i < 3000; ++i)
+    texts.push_back("1234.5678" + std::to_string(i) + "00000000" + (i % 7 == 0 ? "'" : ""));
+  orv::internal::RecentNumbers numbers;
+  for (int round = 0; round < 3; ++round) {
+    for (const std::string& text : texts) {
+      size_t end = 0;
+      const double expected = orv::internal::ReadDecimal(text, &end);
+      for (int again = 0; again < 2; ++again) {
+        const auto& number = numbers.Find(text);
+        EXPECT_EQ(number.value, expected) << text;
+        EXPECT_EQ(number.isWhole, end == text.size()) << text;
+      }
+    }
+  }
 }
 
 TEST(ConfigFileReader, ReopeningBeginsAfresh) {

@@ -80,6 +80,29 @@ TEST(Text, EightCharactersOrderAsTheirTextsDo) {
   }
 }
 
+TEST(Text, TheFirstEightAreThoseThatATextHas) {
+  const std::string all = "abcdefghij";
+  for (size_t size = 0; size <= all.size(); ++size) {
+    uint64_t expected = 0;
+    for (size_t i = 0; i < 8; ++i)
+      expected = expected << 8 | (i < size ? static_cast<unsigned char>(all[i]) : 0u);
+    EXPECT_EQ(FirstEight(std::string_view(all).substr(0, size)), expected) << size;
+  }
+}
+
+TEST(Text, HashesOfAllLengthsIgnoreCaseAndMindEveryCharacter) {
+  const std::string lower = "abcdefghijklmnopqrstuvwxyz", upper = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+  for (size_t size = 1; size <= lower.size(); ++size) {
+    const std::string text = lower.substr(0, size);
+    EXPECT_EQ(HashIgnoringCase(text), HashIgnoringCase(upper.substr(0, size))) << size;
+    for (size_t i = 0; i < size; ++i) {
+      std::string other = text;
+      other[i] = '1';
+      EXPECT_NE(HashIgnoringCase(text), HashIgnoringCase(other)) << size << ", " << i;
+    }
+  }
+}
+
 TEST(Text, SortsAsItComparesAndEqualTextsByTheirNumbers) {
   EXPECT_TRUE(orv::test::Holds([] {
     // few different characters and lengths around eight, so that many texts begin alike or are equal

@@ -11,11 +11,13 @@
 #include "orv/datum/DatumList.h"
 #include "orv/projection/ProjectionDef.h"
 #include "orv/shared/Exception.h"
+#include "orv/system/CSList.h"
 #include "orv/system/CSTransformer.h"
 #include "orv/system/ORVDef.h"
 #include "orv/system/UCSDef.h"
 #include "orv/warp/WarpDef.h"
 #include "tests/support/KnownDatums.h"
+#include "tests/support/TempFolder.h"
 
 namespace orv {
 namespace {
@@ -112,6 +114,33 @@ TEST_F(Threads, TextsAreWrittenAndReadOnDistinctThreads) {
     equal[static_cast<size_t>(i)] = good;
   });
   EXPECT_EQ(equal, std::vector<int>(kThreads, 50));
+}
+
+// A loaded list sorts its short names when the first thread asks for one that repeats.
+TEST_F(Threads, FindInOneListThatHasJustBeenLoaded) {
+  const test::TempFolder folder;
+  CSList made;
+  for (int i = 0; i < 60; ++i) {
+    ORVDef system = SourceOf(i);
+    system.SetToken(("T" + std::to_string(i)).c_str());
+    system.SetName(("Group " + std::to_string(i) + "|Short " + std::to_string(i % 5)).c_str());
+    made.Add(system);
+  }
+  made.Save(folder.Path("system.ocf").c_str());
+  CSList list;
+  ASSERT_TRUE(list.Load(folder.Path("system.ocf").c_str(), true));
+  std::vector<int> wrong(kThreads);
+  OnAllThreads([&list, &wrong](int i) {
+    int misses = 0;
+    for (int k = 0; k < 60; ++k) {
+      const std::string shortName = "Short " + std::to_string((k + i) % 5);
+      const int found = list.FindByShortName(shortName.c_str());
+      misses += found == 0 || list.Enum(found)->GetShortName() != shortName;
+      misses += list.FindByToken(("t" + std::to_string(k)).c_str()) != k + 2;
+    }
+    wrong[static_cast<size_t>(i)] = misses;
+  });
+  EXPECT_EQ(wrong, std::vector<int>(kThreads, 0));
 }
 
 TEST_F(Threads, AThreadSeesItsOwnFailuresOnly) {

@@ -31,7 +31,9 @@ bool KeyReader::TakesWhole(std::string_view key) {
   return m_Taken;
 }
 
-bool KeyReader::IsTrue() const { return EqualIgnoringCase(std::string(m_Value), "true"); }
+bool KeyReader::IsTrue() const {
+  return EqualIgnoringCase(m_Value.substr(0, m_Value.find('\0')), std::string_view("true"));
+}
 
 void KeyReader::Complain(const char* message) {
   ORV_FAIL_AT(m_Site, ErrSyntax, message, m_Reader.FileName(), m_Reader.Line(), std::string(m_Value).c_str());

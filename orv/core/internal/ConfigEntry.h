@@ -73,7 +73,7 @@ bool ReadEntryBody(ConfigFileReader& reader, const EntryTexts& texts, const Erro
     if (!reader.Next()) return unexpectedEnd();
     if (reader.Token() == "}") return true;
     const std::string_view key = reader.Token();
-    if (!reader.Next()) return unexpectedEnd();
+    if (!reader.NextAtOnce('=') && !reader.Next()) return unexpectedEnd();
     if (reader.Token() != "=") {
       return ORV_FAIL_AT(site, ErrSyntax, texts.expectedEquals, reader.FileName(), reader.Line());
     }
@@ -110,15 +110,24 @@ struct KeyName {
 /// Offers one pair to an entry's keys.
 class KeyReader {
  public:
-  KeyReader(std::string_view key, std::string_view value, const ConfigFileReader& reader,
-            const ErrorSite& site)
+  KeyReader(std::string_view key, std::string_view value, ConfigFileReader& reader, const ErrorSite& site)
       : m_Key(key), m_Eight(EightFolded(key)), m_Value(value), m_Reader(reader), m_Site(site) {}
 
   void Text(KeyName key, std::string& value, bool = true) {
-    if (Takes(key)) value.assign(m_Value);
+    if (Takes(key)) value = std::string(m_Value);
   }
   void Number(KeyName key, const char*, double& value, bool = true) {
-    if (Takes(key)) value = ReadDecimal(m_Value);
+    if (Takes(key)) value = m_Reader.Decimal(m_Value).value;
+  }
+  /// The same, or a text that parse(value, text) understands.
+  void NumberOr(KeyName key, double& value, void (*parse)(double& value, std::string_view text)) {
+    if (!Takes(key)) return;
+    const RecentNumbers::Number& number = m_Reader.Decimal(m_Value);
+    if (number.isWhole) {
+      value = number.value;
+    } else {
+      parse(value, m_Value);
+    }
   }
   void Int(KeyName key, int& value, bool = true) {
     if (Takes(key)) value = ReadInteger(m_Value);
@@ -136,11 +145,11 @@ class KeyReader {
   template <class Self>
   void Derived(KeyName key, const char*, Self& self, double (*)(const Self&), void (*set)(Self&, double),
                bool = true) {
-    if (Takes(key)) set(self, ReadDecimal(m_Value));
+    if (Takes(key)) set(self, m_Reader.Decimal(m_Value).value);
   }
   template <class Self>
   void ReadOnly(KeyName key, Self& self, void (*set)(Self&, double)) {
-    if (Takes(key)) set(self, ReadDecimal(m_Value));
+    if (Takes(key)) set(self, m_Reader.Decimal(m_Value).value);
   }
   /// A number whose text only the caller understands: parse(self, text) gives false to raise `bad` (1029,
   /// with file, line and the text).  It is written by `format` as it is.
@@ -157,6 +166,8 @@ class KeyReader {
     if (Takes(key) && !take(self, m_Value)) Complain(unknown);
   }
 
+  /// Whether the pair's key begins with these six characters and has more.
+  bool BeginsWith(KeyName six) const { return m_Key.size() > 6 && (m_Eight ^ six.eight) >> 16 == 0; }
   /// Whether one of the keys offered so far was the pair's.
   bool Taken() const { return m_Taken; }
 
@@ -167,7 +178,7 @@ class KeyReader {
   bool IsTrue() const;
   template <class E, class Rows>
   void TakeNamed(E& value, const Rows& vocabulary, const char* unknown) {
-    const auto* const row = RowNamed(vocabulary, std::string(m_Value).c_str());
+    const auto* const row = RowNamed(vocabulary, m_Value);
     if (row) {
       value = row->number;
     } else {
@@ -179,7 +190,7 @@ class KeyReader {
   std::string_view m_Key;
   uint64_t m_Eight;
   std::string_view m_Value;
-  const ConfigFileReader& m_Reader;
+  ConfigFileReader& m_Reader;
   ErrorSite m_Site;
   bool m_Taken = false;
 };

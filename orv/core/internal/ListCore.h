@@ -18,8 +18,10 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <mutex>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -28,63 +30,69 @@
 
 namespace orv::internal {
 
-/// Positions under the hashes of their keys.
+/// Positions under the hashes of their keys, of which the lower 32 bits count.
 class HashedPositions {
  public:
   void Clear() {
     m_Slots.clear();
     m_Count = 0;
+    m_bRepeats = false;
   }
   void Add(uint64_t hash, uint32_t position) {
     if (2 * (m_Count + 1) > m_Slots.size()) Grow();
-    Place({hash, position});
+    const Slot slot = {static_cast<uint32_t>(hash), position};
+    size_t at = Home(slot.hash);
+    for (; m_Slots[at].position != kFree; at = Next(at)) m_bRepeats |= m_Slots[at].hash == slot.hash;
+    m_Slots[at] = slot;
     ++m_Count;
   }
   /// Calls matches(position) for the positions of that hash, until it gives true; whether it has.
   template <class Matches>
   bool Find(uint64_t hash, Matches matches) const {
     if (m_Count == 0) return false;
-    for (size_t at = Home(hash); m_Slots[at].position != kFree; at = Next(at)) {
-      if (m_Slots[at].hash == hash && matches(m_Slots[at].position)) return true;
+    const auto wanted = static_cast<uint32_t>(hash);
+    for (size_t at = Home(wanted); m_Slots[at].position != kFree; at = Next(at)) {
+      if (m_Slots[at].hash == wanted && matches(m_Slots[at].position)) return true;
     }
     return false;
   }
+  /// Whether positions may have equal keys: they do when this is true, but for chance.
+  bool Repeats() const { return m_bRepeats; }
 
  private:
   static constexpr uint32_t kFree = 0xffffffff;
   struct Slot {
-    uint64_t hash = 0;
+    uint32_t hash = 0;
     uint32_t position = kFree;
   };
 
-  size_t Home(uint64_t hash) const { return hash & (m_Slots.size() - 1); }
+  size_t Home(uint32_t hash) const { return hash & (m_Slots.size() - 1); }
   size_t Next(size_t at) const { return (at + 1) & (m_Slots.size() - 1); }
-  void Place(const Slot& slot) {
-    size_t at = Home(slot.hash);
-    while (m_Slots[at].position != kFree) at = Next(at);
-    m_Slots[at] = slot;
-  }
   void Grow() {
     const std::vector<Slot> old = std::move(m_Slots);
-    m_Slots.assign(std::max<size_t>(64, 2 * old.size()), Slot());
+    m_Slots.assign(std::max<size_t>(64, 4 * old.size()), Slot());
     for (const Slot& slot : old) {
-      if (slot.position != kFree) Place(slot);
+      if (slot.position == kFree) continue;
+      size_t at = Home(slot.hash);
+      while (m_Slots[at].position != kFree) at = Next(at);
+      m_Slots[at] = slot;
     }
   }
 
   std::vector<Slot> m_Slots;  // a power of two of them, at most half of them taken
   size_t m_Count = 0;
+  bool m_bRepeats = false;
 };
 
-/// One sorted index: positions of entries, kept sorted by a key.  Equal keys stand in the order in which they
-/// came.
+/// One index: positions of entries under the hashes of their keys and, as far as anybody has asked for it, sorted by
+/// them.  Equal keys stand in the order in which they came.
 class KeyIndex {
  public:
+  /// The sorted positions.
   const std::vector<uint32_t>& Slots() const { return m_Slots; }
-  size_t Size() const { return m_Slots.size(); }
   void Clear() {
     m_Slots.clear();
-    m_Pending.Clear();
+    m_Hashes.Clear();
   }
 
   /// Inserts a position behind its equals.  less(a, b) orders positions by their keys.
@@ -102,11 +110,11 @@ class KeyIndex {
     }
     m_Slots.insert(m_Slots.begin() + static_cast<std::ptrdiff_t>(low), position);
   }
-  /// Notes a position that Settle is to sort in, under the hash of its key.
-  void Postpone(uint32_t position, uint64_t hash) { m_Pending.Add(hash, position); }
-  const HashedPositions& Postponed() const { return m_Pending; }
-  /// Sorts in, behind their equals, the positions from the present size up to `count`, all of them postponed:
-  /// sort(first, last) sorts them by themselves.
+  /// Positions are hashed in their order; removals drop the hashes.
+  HashedPositions& Hashes() { return m_Hashes; }
+  const HashedPositions& Hashes() const { return m_Hashes; }
+  /// Sorts in, behind their equals, the positions from the present size up to `count`: sort(first, last) sorts them by
+  /// themselves.
   template <class Sort, class Less>
   void Settle(size_t count, Sort sort, Less less) {
     const auto old = static_cast<std::ptrdiff_t>(m_Slots.size());
@@ -114,7 +122,6 @@ class KeyIndex {
     while (m_Slots.size() < count) m_Slots.push_back(static_cast<uint32_t>(m_Slots.size()));
     sort(m_Slots.begin() + old, m_Slots.end());
     std::inplace_merge(m_Slots.begin(), m_Slots.begin() + old, m_Slots.end(), less);
-    m_Pending.Clear();
   }
   /// Takes a position out; the others stay.
   void Erase(uint32_t position) {
@@ -134,7 +141,7 @@ class KeyIndex {
 
  private:
   std::vector<uint32_t> m_Slots;
-  HashedPositions m_Pending;  // positions not yet among the slots
+  HashedPositions m_Hashes;
 };
 
 /// A rule that entries of a library-wide list keep: `broken` tells whether `info` breaks it against the
@@ -152,6 +159,18 @@ class ListCore {
   using Keys = typename Traits::Keys;
   static constexpr int kFirst = Traits::kFirst;
   static constexpr int kNone = Traits::kNone;
+
+  ListCore() = default;
+  ListCore(const ListCore& other) { *this = other; }
+  ListCore& operator=(const ListCore& other) {
+    if (this == &other) return *this;
+    other.SortAll(kAllKeys);  // another thread may be about to
+    m_Entries = other.m_Entries;
+    m_Indexes = other.m_Indexes;
+    m_bHashed = other.m_bHashed;
+    m_bSorted = true;
+    return *this;
+  }
 
   int Count() const { return static_cast<int>(m_Entries.size()); }
   int First() const { return kFirst; }
@@ -178,15 +197,12 @@ class ListCore {
     return kNone;
   }
 
-  /// While it lives, Append only notes what it adds; its end sorts the indexes once.  Finds are right
-  /// meanwhile.
+  /// While it lives, Append does not sort; finds are right meanwhile.  What is left unsorted is sorted when the order
+  /// is first asked for: for a dump, for a change of the list, or for one of several entries of equal keys.
   class Batch {
    public:
     explicit Batch(ListCore& core) : m_Core(core) { m_Core.m_bBatch = true; }
-    ~Batch() {
-      m_Core.Settle();
-      m_Core.m_bBatch = false;
-    }
+    ~Batch() { m_Core.m_bBatch = false; }
     Batch(const Batch&) = delete;
     Batch& operator=(const Batch&) = delete;
 
@@ -194,12 +210,21 @@ class ListCore {
     ListCore& m_Core;
   };
 
-  /// Index of an entry with that key, or kNone; of several equal ones it may meet any.  A binary search of
-  /// the key's index and, during a batch, a look at the hashes of what it added.
+  /// Index of an entry with that key, or kNone; of several equal ones it may meet any.  A look at the hashes, or a binary
+  /// search of the key's index where keys repeat or entries have been taken out.
   template <class Key, class K>
   int FindByKey(const K& key) const {
-    const KeyIndex& index = IndexOf<Key>();
-    const std::vector<uint32_t>& slots = index.Slots();
+    if (m_bHashed) {
+      const HashedPositions& hashes = m_Indexes[NumberOf<Key>(kAllKeys)].Hashes();
+      int found = kNone;
+      hashes.Find(Key::Hash(key), [&](uint32_t position) {
+        if (Key::Compare(key, Key::Of(m_Entries[position])) != 0) return false;
+        found = static_cast<int>(position) + kFirst;
+        return true;
+      });
+      if (found == kNone || !hashes.Repeats()) return found;
+    }
+    const std::vector<uint32_t>& slots = IndexOf<Key>().Slots();
     size_t low = 0;
     size_t high = slots.size();
     while (low < high) {
@@ -212,15 +237,7 @@ class ListCore {
         high = middle;
       }
     }
-    int found = kNone;
-    if (slots.size() != m_Entries.size()) {
-      index.Postponed().Find(Key::Hash(key), [&](uint32_t position) {
-        if (Key::Compare(key, Key::Of(m_Entries[position])) != 0) return false;
-        found = static_cast<int>(position) + kFirst;
-        return true;
-      });
-    }
-    return found;
+    return kNone;
   }
 
   /// Whether an entry other than the one at `except` has that key.
@@ -250,7 +267,7 @@ class ListCore {
   }
   /// Overwrites the entry at an index that the list holds.
   void Replace(int index, Info info) {
-    Settle();
+    DropHashes();
     const auto position = static_cast<uint32_t>(index - kFirst);
     for (KeyIndex& keys : m_Indexes) keys.Erase(position);
     m_Entries[position] = std::move(info);
@@ -258,7 +275,7 @@ class ListCore {
   }
   /// Takes out the entry at an index that the list holds; later ones move down by one.
   void Remove(int index) {
-    Settle();
+    DropHashes();
     const auto position = static_cast<uint32_t>(index - kFirst);
     for (KeyIndex& keys : m_Indexes) {
       keys.Erase(position);
@@ -269,11 +286,13 @@ class ListCore {
   void Clear() {
     m_Entries.clear();
     for (KeyIndex& keys : m_Indexes) keys.Clear();
+    m_bHashed = m_bSorted = true;
   }
 
-  /// The index of a key, for dumps.
+  /// The sorted index of a key.  Threads may ask for it at the same time.
   template <class Key>
   const KeyIndex& IndexOf() const {
+    SortAll(kAllKeys);
     return m_Indexes[NumberOf<Key>(kAllKeys)];
   }
 
@@ -289,28 +308,41 @@ class ListCore {
   }
 
   void IntoIndexes(uint32_t position) {
+    if (m_bBatch && !m_bHashed) HashUpTo(position);
+    if (m_bHashed) Hash(position, kAllKeys);
     if (m_bBatch) {
-      Postpone(position, kAllKeys);
-    } else {
+      m_bSorted = false;
+    } else if (m_bSorted) {
       InsertIntoIndexes(position, kAllKeys);
     }
   }
+  void HashUpTo(uint32_t end) {
+    for (uint32_t position = 0; position < end; ++position) Hash(position, kAllKeys);
+    m_bHashed = true;
+  }
   template <size_t... I>
-  void Postpone([[maybe_unused]] uint32_t position, std::index_sequence<I...>) {
-    (m_Indexes[I].Postpone(position, std::tuple_element_t<I, Keys>::Hash(
-                                         std::tuple_element_t<I, Keys>::Of(m_Entries[position]))),
+  void Hash([[maybe_unused]] uint32_t position, std::index_sequence<I...>) {
+    (m_Indexes[I].Hashes().Add(
+         std::tuple_element_t<I, Keys>::Hash(std::tuple_element_t<I, Keys>::Of(m_Entries[position])),
+         position),
      ...);
   }
-  /// Brings the indexes up to date.
-  void Settle() {
-    if (m_bBatch) Settle(kAllKeys);
+  /// Positions are about to change: sorted indexes can follow, hashes cannot.
+  void DropHashes() {
+    SortAll(kAllKeys);
+    for (KeyIndex& keys : m_Indexes) keys.Hashes().Clear();
+    m_bHashed = false;
   }
   template <size_t... I>
-  void Settle(std::index_sequence<I...>) {
-    (Settle<std::tuple_element_t<I, Keys>>(m_Indexes[I]), ...);
+  void SortAll(std::index_sequence<I...>) const {
+    if (m_bSorted.load(std::memory_order_acquire)) return;
+    const std::lock_guard<std::mutex> guard(m_Sorting);
+    if (m_bSorted.load(std::memory_order_relaxed)) return;
+    (Sort<std::tuple_element_t<I, Keys>>(m_Indexes[I]), ...);
+    m_bSorted.store(true, std::memory_order_release);
   }
   template <class Key>
-  void Settle(KeyIndex& keys) {
+  void Sort(KeyIndex& keys) const {
     const auto of = [this](uint32_t position) { return Key::Of(m_Entries[position]); };
     keys.Settle(
         m_Entries.size(), [&of](auto first, auto last) { Key::Sort(first, last, of); }, LessBy<Key>());
@@ -332,7 +364,10 @@ class ListCore {
   }
 
   std::vector<Info> m_Entries;
-  std::array<KeyIndex, std::tuple_size_v<Keys>> m_Indexes;
+  mutable std::array<KeyIndex, std::tuple_size_v<Keys>> m_Indexes;
+  mutable std::atomic<bool> m_bSorted = true;  // the indexes hold all entries
+  mutable std::mutex m_Sorting;
+  bool m_bHashed = true;  // every entry is among the hashes
   bool m_bBatch = false;
 };
 

@@ -50,11 +50,15 @@ bool NumberTaken(const Core& core, const typename Core::Info& info, int except) 
   return Key::Of(info) != 0 && core.template KeyTaken<Key>(Key::Of(info), except);
 }
 
-/// Index of the entry with that text, copied to `out` when that is not null; "none" for a null or empty text.
+/// Index of the entry with that text; "none" for a null or empty text.
+template <class Key, class Core>
+int FindText(const Core& core, const char* text) {
+  return text && *text != '\0' ? core.template FindByKey<Key>(text) : Core::kNone;
+}
+/// The same, and the entry is copied to `out` when that is not null.
 template <class Key, class Core, class Out>
 int FindText(const Core& core, const char* text, Out* out) {
-  if (!text || *text == '\0') return Core::kNone;
-  const int index = core.template FindByKey<Key>(text);
+  const int index = FindText<Key>(core, text);
   if (out && index != Core::kNone) *out = core.At(index);
   return index;
 }

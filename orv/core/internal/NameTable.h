@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 #include "orv/core/internal/Text.h"
 
@@ -40,6 +41,21 @@ const Row* RowNamed(const Row (&rows)[N], const char* name) {
   for (const Row& row : rows) {
     if (row.name && EqualIgnoringCase(row.name, name)) return &row;
     if (row.other && EqualIgnoringCase(row.other, name)) return &row;
+  }
+  return nullptr;
+}
+
+/// The same of characters that no 0 ends; a 0 within them ends them.
+template <class Row, size_t N>
+const Row* RowNamed(const Row (&rows)[N], std::string_view name) {
+  name = name.substr(0, name.find('\0'));
+  if (name.empty()) return nullptr;
+  const unsigned char first = FoldCase(name[0]);
+  const auto is = [&](const char* spelling) {
+    return spelling && FoldCase(*spelling) == first && EqualIgnoringCase(std::string_view(spelling), name);
+  };
+  for (const Row& row : rows) {
+    if (is(row.name) || is(row.other)) return &row;
   }
   return nullptr;
 }

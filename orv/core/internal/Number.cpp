@@ -4,6 +4,7 @@
 #include <climits>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 
 namespace orv::internal {
@@ -13,6 +14,7 @@ namespace {
 bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') < 10; }
 
 const char* SkipDigits(const char* at, const char* end) {
+  while (end - at >= 8 && AreEightDigits(at)) at += 8;
   while (at != end && IsDigit(*at)) ++at;
   return at;
 }
@@ -43,7 +45,10 @@ Decimal ScanDecimal(const char* begin, const char* end) {
     number.end = behind;  // no exponent
   }
   const char* last = behind;
-  while (hasPoint && last[-1] == '0') --last;
+  if (hasPoint) {
+    while (last - point > 8 && std::memcmp(last - 8, "00000000", 8) == 0) last -= 8;
+    while (last[-1] == '0') --last;
+  }
   if (last - begin > 19) return number;  // more than 64 bits hold, perhaps
   for (const char* at = begin; at != last; ++at) {
     if (at != point) number.integer = number.integer * 10 + static_cast<uint64_t>(*at - '0');

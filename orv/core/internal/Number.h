@@ -4,10 +4,22 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
 namespace orv::internal {
+
+/// Whether eight characters are digits, 0x30 to 0x39: the upper half of each is 3, and still is when 6 is added.
+inline bool AreEightDigits(const char* at) {
+  constexpr uint64_t kEach = 0x0101010101010101u;
+  uint64_t eight;
+  std::memcpy(&eight, at, sizeof eight);
+  const uint64_t three = kEach * 0x30;
+  const uint64_t plusSix = (eight & kEach * 0x7f) + kEach * 0x06;  // carries into no other character
+  return (((eight ^ three) | (plusSix ^ three)) & kEach * 0xf0) == 0;
+}
 
 /// The longest decimal number that `text` begins with: an optional sign, digits with an optional point, an
 /// optional exponent.  0 when there is none; no hexadecimal, no infinity or NaN, no leading blanks. Correctly

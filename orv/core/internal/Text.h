@@ -20,20 +20,25 @@ constexpr unsigned char FoldCase(char c) {
 /// case (so "_" sorts before letters).  A null text counts as empty.
 int CompareIgnoringCase(const char* a, const char* b);
 
-/// The first eight characters of a text, folded, as one number that orders as they do: the first character
-/// counts most, and characters that a shorter text lacks are 0.
-constexpr uint64_t EightFolded(std::string_view text) {
-  uint64_t eight = 0;
-  if (text.size() >= 8) {
-    const auto at = [text](size_t i) {
-      return uint64_t{static_cast<unsigned char>(text[i])} << (56 - 8 * i);
+/// The first eight characters of a text as one number that orders as they do: the first character counts most, and
+/// characters that a shorter text lacks are 0.
+constexpr uint64_t FirstEight(std::string_view text) {
+  const size_t size = text.size();
+  const auto at = [text](size_t i) { return uint64_t{static_cast<unsigned char>(text[i])} << (56 - 8 * i); };
+  const auto fourFrom = [text](size_t i) {  // one load
+    const auto byte = [text, i](size_t k) {
+      return uint64_t{static_cast<unsigned char>(text[i + k])} << (56 - 8 * k);
     };
-    eight = at(0) | at(1) | at(2) | at(3) | at(4) | at(5) | at(6) | at(7);  // one load
-  } else {
-    for (size_t i = 0; i < text.size(); ++i) {
-      eight |= uint64_t{static_cast<unsigned char>(text[i])} << (56 - 8 * i);
-    }
-  }
+    return byte(0) | byte(1) | byte(2) | byte(3);
+  };
+  if (size >= 8) return at(0) | at(1) | at(2) | at(3) | at(4) | at(5) | at(6) | at(7);  // one load
+  if (size >= 4) return fourFrom(0) | fourFrom(size - 4) >> (8 * (size - 4));           // which overlap
+  return size == 0 ? 0 : at(0) | at(size / 2) | at(size - 1);
+}
+
+/// The same of the folded text.
+constexpr uint64_t EightFolded(std::string_view text) {
+  const uint64_t eight = FirstEight(text);
   // Bit 7 of each byte below 128: whether it is at least 'A', and whether it is above 'Z'.
   constexpr uint64_t kEach = 0x0101010101010101u;
   const uint64_t low = eight & kEach * 0x7f;
@@ -45,10 +50,12 @@ constexpr uint64_t EightFolded(std::string_view text) {
 /// A number that texts share which are equal without regard to case.
 constexpr uint64_t HashIgnoringCase(std::string_view text) {
   uint64_t hash = text.size();
-  for (size_t at = 0; at < text.size(); at += 8) {
-    hash = (hash ^ EightFolded(text.substr(at))) * 0x9e3779b97f4a7c15u;
+  const auto take = [&hash](uint64_t eight) {
+    hash = (hash ^ (eight | 0x2020202020202020u)) * 0x9e3779b97f4a7c15u;  // the bit that tells 'A' from 'a'
     hash ^= hash >> 32;
-  }
+  };
+  for (size_t at = 0; at + 8 < text.size(); at += 8) take(FirstEight(text.substr(at, 8)));
+  take(FirstEight(text.substr(text.size() > 8 ? text.size() - 8 : 0)));  // which may overlap
   return hash;
 }
 
@@ -68,6 +75,7 @@ inline bool EqualIgnoringCase(const std::string& a, const char* b) { return Equa
 /// Whole texts, which may hold bytes 0.
 constexpr bool EqualIgnoringCase(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
+  if (a == b) return true;
   for (size_t at = 0; at < a.size(); at += 8) {
     if (EightFolded(a.substr(at)) != EightFolded(b.substr(at))) return false;
   }

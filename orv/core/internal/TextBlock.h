@@ -90,8 +90,8 @@ class BlockWriter {
   void Block(const char*, const T& part, bool write = true) {
     if (write) part.EncodeToText(m_Out);
   }
-  template <class T>
-  void Part(const char*, const std::unique_ptr<T>& part) {
+  template <class Pointer>
+  void Part(const char*, const Pointer& part) {
     if (part) part->EncodeToText(m_Out);
   }
 
@@ -153,6 +153,14 @@ class ItemReader {
     if (!Takes(name)) return;
     if (!part) part = std::make_unique<T>();
     BlockAccess::DecodeBlock(*part, m_Text, m_At);
+  }
+  /// The same, of a part that others may share: it is copied first.
+  template <class T>
+  void Part(const char* name, std::shared_ptr<const T>& part) {
+    if (!Takes(name)) return;
+    const auto own = part ? std::make_shared<T>(*part) : std::make_shared<T>();
+    part = own;
+    BlockAccess::DecodeBlock(*own, m_Text, m_At);
   }
 
  private:
