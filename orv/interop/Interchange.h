@@ -30,7 +30,7 @@ ORV_API const char* ORVTextDialectName(TextDialect dialect);
 ///   method Unknown has none.  Deliberate: the ESRI dialect has no place for it and names the datum only.
 /// - A system of the catalogue whose Scale is off 1 by a few 1e-9, so that it differs from those of other datums, is
 ///   written without that: the same map.  Hotine's azimuth of 89.9998 degrees is written as the 90 it stands for (half
-///   a millimetre).
+///   a millimetre in Switzerland, 86 mm at 55 N 30 E; see the docs).
 /// - Refused: systems with a warp, datums that grids or regression equations convert or that lead elsewhere than to
 ///   WGS 84, methods that the dialect has not, and methods that the library computes on a sphere while the text means
 ///   the ellipsoid.
@@ -48,6 +48,9 @@ ORV_API std::string ORVWriteText(const ORVDef& system, TextDialect dialect, bool
 /// - The datum: with a shift (TOWGS84, BOUNDCRS, +towgs84) the known datum of the text's name or code that has
 ///   these very numbers, else one of its own.  Without a shift the known datum of its code or name, when its ellipsoid
 ///   is the text's.  Otherwise a datum of method Unknown with the text's name: nothing converts it to another datum.
+/// - A name of the system or of its base system never replaces a datum that has a name of its own.
+/// - What is missing, given twice or contradicted is refused: a parameter that the method needs, a key that it has not, the
+///   unit of the axes, two ellipsoids or units, a code beside the name of another method.
 /// - Longitudes are counted from Greenwich: a prime meridian is added to Lon0.  A geographic system with another prime
 ///   meridian or in another unit than the degree becomes an Equidistant Cylindrical of its angles, as in the catalogue.
 /// - x is the easting whatever the order of axes in the text; an axis that points west or south is refused.

@@ -44,6 +44,22 @@ constexpr EsriRow kEsriDatums[] = {
     {6214, "Beijing_1954"}, {6901, "ATF"},
 };
 
+// The same of names that are read only: what is written for these is the data set's name.
+constexpr EsriRow kEsriDatumsRead[] = {
+    {1038, "Reseau_Geodesique_de_St_Pierre_et_Miquelon_2006"}, {1060, "Islands_Network_2004"},
+    {1063, "Marco_Geodesico_Nacional"}, {1066, "SGNP_MARCARIO_SOLIS"}, {1111, "Nepal_Nagarkot"},
+    {1114, "Israel_Geodetic_Datum_2005"}, {1144, "IG05(2012)_Intermediate_Datum"}, {1160, "Kyrgyz_Republic_2006"},
+    {6126, "Lithuania_1994"}, {6134, "PDO_1993"}, {6141, "Israel"}, {6151, "Swiss_TRF_1995"}, {6215, "Belge_1950"},
+    {6220, "Camacupa"}, {6236, "Hu_Tzu_Shan"}, {6285, "Qatar"}, {6316, "Dealul_Piscului_1933"},
+    {6616, "Selvagem_Grande_1938"}, {6622, "Sainte_Anne"}, {6625, "Fort_Desaix"}, {6659, "Islands_Network_1993"},
+    {6672, "Chatham_Island_1971"}, {6698, "Kerguelen_Island_1949"}, {6708, "Anna_1_1965"}, {6709, "Beacon_E_1945"},
+    {6710, "DOS_71_4"}, {6711, "Astro_1952"}, {6713, "Ayabelle"}, {6714, "Bellevue_IGN"}, {6715, "Camp_Area"},
+    {6716, "Canton_1966"}, {6722, "ISTS_061_1968"}, {6723, "Grand_Cayman_1959"}, {6724, "ISTS_073_1969"},
+    {6726, "Little_Cayman_1961"}, {6728, "Pico_de_Las_Nieves"}, {6730, "Santo_DOS_1965"},
+    {6732, "Wake_Eniwetok_1960"}, {6740, "Parametrop_Zemp_1990"}, {6743, "Karbala_1979_Polservice"},
+    {6749, "Reseau_Geodesique_de_Nouvelle_Caledonie_1991-93"}, {6903, "Madrid_1870"},
+};
+
 // The ellipsoids, datums, units and meridians that the PROJ documentation lists.
 constexpr ProjEllipsoid kEllipsoids[] = {
     {"WGS84",     6378137.0,    298.257223563,     0, "WGS 84"},
@@ -184,10 +200,16 @@ const DatumDef* KnownDatumOf(const TextSystem& text) {
     const int index = known.FindByPOSCNumber(text.datumCode, nullptr, known.First());
     if (index != 0 && FitsEllipsoid(*known.Enum(index), text)) return known.Enum(index);
   }
-  for (const EsriRow& row : kEsriDatums) {
-    if (!EqualBare(row.name, text.datumName.c_str())) continue;
+  const auto byEsri = [&](const EsriRow& row) -> const DatumDef* {
+    if (!EqualBare(row.name, text.datumName.c_str())) return nullptr;
     const int index = known.FindByPOSCNumber(row.code, nullptr, known.First());
-    if (index != 0 && FitsEllipsoid(*known.Enum(index), text)) return known.Enum(index);
+    return index != 0 && FitsEllipsoid(*known.Enum(index), text) ? known.Enum(index) : nullptr;
+  };
+  for (const EsriRow& row : kEsriDatums) {
+    if (const DatumDef* const datum = byEsri(row)) return datum;
+  }
+  for (const EsriRow& row : kEsriDatumsRead) {
+    if (const DatumDef* const datum = byEsri(row)) return datum;
   }
   const std::string asked = CommonName(text.datumName);
   if (IsUnnamedDatum(text.datumName)) return nullptr;

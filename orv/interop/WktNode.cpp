@@ -202,13 +202,6 @@ const WktNode* WktNode::Find(const char* keyword) const {
   return nullptr;
 }
 
-const WktNode* WktNode::FindAny(const char* const* keywords) const {
-  for (; *keywords; ++keywords) {
-    if (const WktNode* const found = Find(*keywords)) return found;
-  }
-  return nullptr;
-}
-
 const std::string& WktNode::TextAt(size_t index) const {
   static const std::string none;
   return index < items.size() && items[index].kind == Text ? items[index].text : none;

@@ -56,7 +56,13 @@ double Apart(const ORVDef& a, const ORVDef& b) {
   const ProjectionParameters& p = *a.GetProjection()->GetParameters();
   const double lon = p.method == ProjectionMethodHotine ? p.Lon1 : p.Lon0;
   const double lat = p.method == ProjectionMethodLambert ? (p.Lat1 + p.Lat2) / 2 : p.Lat0;
-  if (p.method == ProjectionMethodUnprojected) return b.HasProjection(true, true) ? 1.0 : 0.0;
+  if (p.method == ProjectionMethodUnprojected) {
+    if (!b.HasProjection(true, true)) return 0.0;
+    // The longitudes of a datum of its own Greenwich, as a map: degrees.
+    std::vector<Vec2d> first{{10.0 - a.GetDatum()->GetParameters()->pmShift, 20.0}}, second{{10.0, 20.0}};
+    Projector(*b.GetProjection()).TransformForward(second);
+    return std::hypot(first[0].x - second[0].x, first[0].y - second[0].y) * 111320.0;
+  }
   double apart = 0.0;
   for (const double step : {-1.1, 0.3, 1.7}) {
     std::vector<Vec2d> first{{lon + step, std::fmax(-88.0, std::fmin(88.0, lat - 0.7 * step))}},
@@ -231,6 +237,9 @@ TEST_F(Interchange, ADatumIsFoundByShiftCodeOrName) {
   EXPECT_EQ(token(Geographic("y", kBessel, ",AUTHORITY[\"EPSG\",\"6314\"]", "")), "EPSG:6314");
   EXPECT_EQ(token(Geographic("D_North_American_1983", kGrs80, "", "")), "ORV:6269");
   EXPECT_EQ(token(Geographic("D_ETRS_1989", kGrs80, "", "")), "ORV:6258");
+  // As projinfo -o WKT1:ESRI EPSG:4672 names it; the name of the system is no help.
+  EXPECT_EQ(token(Geographic("D_Chatham_Island_1971", "6378388,297", "", "")),
+            SystemOfCode("4672").GetDatum()->GetToken());
   EXPECT_EQ(token("+proj=longlat +datum=NAD27"), "EPSG:6267");
   EXPECT_EQ(token("+proj=longlat +datum=WGS84"), "EPSG:6326");
 

@@ -5,6 +5,7 @@
 
 #include <set>
 #include <string>
+#include <utility>
 
 #include "orv/interop/internal/Conformal.h"
 
@@ -58,6 +59,55 @@ TEST(MethodMap, NamesAndCodesLeadBackToTheirRow) {
   EXPECT_EQ(FindMethod("lambert conic conformal 1sp", 0)->form, Form::Lambert1);
   EXPECT_EQ(FindMethod("Gauss_Kruger", 0)->form, Form::TransverseMercator);
   EXPECT_EQ(FindMethod("no such", 0), nullptr);
+  EXPECT_TRUE(IsOtherMethod(RowOfForm(Form::MercatorA), "Transverse Mercator"));
+  EXPECT_FALSE(IsOtherMethod(RowOfForm(Form::Lambert2), "Lambert_Conformal_Conic"));
+  EXPECT_FALSE(IsOtherMethod(RowOfForm(Form::Lambert2), "no such"));
+}
+
+// A key of a PROJ string is one parameter in all the forms of its "+proj=", and none of others.
+TEST(MethodMap, KeysOfProjBelongToTheirMethods) {
+  for (int form = 0; form <= static_cast<int>(kLastForm); ++form) {
+    const MethodRow& row = RowOfForm(static_cast<Form>(form));
+    if (!row.proj) continue;
+    SCOPED_TRACE(row.proj);
+    for (const ParameterRow& parameter : row) {
+      if (!parameter.proj) continue;
+      EXPECT_EQ(FindProjParameter(row, parameter.proj), &parameter);
+      EXPECT_EQ(FindProjParameter(std::string(row.proj), parameter.proj)->par, parameter.par)
+          << parameter.proj;
+    }
+  }
+  const std::string hotine = "omerc", conic = "lcc";
+  EXPECT_EQ(FindProjParameter(hotine, "lonc")->par, Par::Lon0);
+  EXPECT_EQ(FindProjParameter(hotine, "lon_0"), nullptr);
+  EXPECT_EQ(FindProjParameter(conic, "k_0")->par, Par::K);
+  EXPECT_EQ(FindProjParameter(conic, "lat_ts"), nullptr);
+  EXPECT_EQ(FindProjParameter("none", "lat_0"), nullptr);
+}
+
+// What a text may leave out, by name in WKT2 or in the dialect that has it: anything else but false origins it needs.
+TEST(MethodMap, FewParametersMayBeLeftOut) {
+  std::set<std::pair<Form, Par>> optional;
+  for (int form = 0; form <= static_cast<int>(kLastForm); ++form) {
+    for (const ParameterRow& parameter : RowOfForm(static_cast<Form>(form))) {
+      if (parameter.isOptional) optional.emplace(static_cast<Form>(form), parameter.par);
+    }
+  }
+  EXPECT_EQ(optional, (std::set<std::pair<Form, Par>>{{Form::Lambert1, Par::Lat1},
+                                                      {Form::MercatorA, Par::Lat0},
+                                                      {Form::MercatorB, Par::Lat0},
+                                                      {Form::PseudoMercator, Par::Lat0},
+                                                      {Form::PseudoMercator, Par::Lat1},
+                                                      {Form::PseudoMercator, Par::Zero},
+                                                      {Form::PolarB, Par::Lat0},
+                                                      {Form::PolarOgc, Par::K},
+                                                      {Form::Cassini, Par::K},
+                                                      {Form::HotineA, Par::Gamma},
+                                                      {Form::HotineB, Par::Gamma},
+                                                      {Form::SwissOblique, Par::K},
+                                                      {Form::EquidistantCylindrical, Par::Lat0},
+                                                      {Form::EquidistantCylindrical, Par::Lat1},
+                                                      {Form::Miller, Par::Lat0}}));
 }
 
 TEST(MethodMap, NamesAreComparedByLettersAndDigits) {

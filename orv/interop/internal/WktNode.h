@@ -27,8 +27,6 @@ struct WktNode {
   bool Is(const char* keyword) const;
   /// The first block of that keyword among the items, or null.
   const WktNode* Find(const char* keyword) const;
-  /// The first block of any of these keywords (null ends them), or null.
-  const WktNode* FindAny(const char* const* keywords) const;
   /// The text of item `index`, or "" when it is no text.
   const std::string& TextAt(size_t index) const;
 
