@@ -6,9 +6,11 @@ usage: json_schemas.py ORV SCHEMA_FOLDER.  Status 77, which CTest takes for skip
 import copy
 import json
 import pathlib
+import struct
 import subprocess
 import sys
 import tempfile
+import zlib
 
 try:
     import jsonschema
@@ -54,10 +56,11 @@ class Run:
         if value != wanted:
             self.fail(f"{what}: {value!r}, not {wanted!r}")
 
-    def json(self, *arguments, status=0, stdin=""):
+    def json(self, *arguments, status=0, stdin="", config=None):
         """What the command writes; checked against the schema where there is one."""
         self.count += 1
-        out = subprocess.run([self.orv, *arguments, "--json"], input=stdin.encode(), capture_output=True, check=False)
+        before = ["--config", config] if config else []
+        out = subprocess.run([self.orv, *before, *arguments, "--json"], input=stdin.encode(), capture_output=True, check=False)
         label = " ".join(map(str, arguments))
         self.expect(out.returncode, status, f"{label}: status, {out.stderr.decode()}")
         value = json.loads(out.stdout.decode("utf-8"))
@@ -85,7 +88,23 @@ class Run:
             self.fail(f"the schema of {name} takes anything beside")
 
 
-def explain(run):
+def nadcon_file(columns=23, rows=5):
+    """A grid of no shift at all: -100 to -95.6 and 40 to 40.8, every 0.2 degrees."""
+    record = 4 * (columns + 1)
+    header = b"NADCON EXTRACTED REGION".ljust(56) + b"NADGRD".ljust(8) + struct.pack("<3i5f", columns, rows, 1, -100, 0.2, 40, 0.2, 0)
+    return header.ljust(record, b"\0") + bytes(record) * rows
+
+
+def explain(run, folder):
+    grids = folder / "grids"
+    grids.mkdir()
+    for ending in ("los", "las"):
+        (grids / f"a.{ending}").write_bytes(nadcon_file())
+    plan = run.json("explain", "datum=ORV:NADCON-6267", "EPSG:4326", config=grids)
+    step = plan["stages"][0]["steps"][0]
+    crc = f"{zlib.crc32(nadcon_file()):08x}"
+    found = [(file["path"], file["size"], file["crc32"]) for file in step["grids"]["files"]]
+    run.expect(found, [(str(grids / f"a.{ending}"), len(nadcon_file()), crc) for ending in ("los", "las")], "found grids")
     for pair in EXPLAIN:
         plan = run.json("explain", *pair)
     del plan["stages"][0]["steps"][0]["direction"]
@@ -170,7 +189,7 @@ def warp(run, folder):
 def main():
     run = Run(*sys.argv[1:3])
     with tempfile.TemporaryDirectory() as name:
-        explain(run)
+        explain(run, pathlib.Path(name))
         identify(run)
         check(run, pathlib.Path(name))
         definition(run)
