@@ -190,6 +190,13 @@ TEST(OrvConvertGeoJson, TheReportTellsWhatWasCutOff) {
   EXPECT_EQ(json["unplaced"].size(), 1u);
   EXPECT_EQ(json["unplaced"][0]["event"], "latitude");
 
+  // A position without a place cuts nothing off: the others keep their heights.
+  const Result lost = Convert(R"({"type":"LineString","coordinates":[[0,0,1],[10,0,2.50],[10,95,3]]})",
+                              "method=geographic,a=6371000,f=0", kGlobe, {"-p", "0"});
+  EXPECT_EQ(lost.status, 1);
+  EXPECT_EQ(lost.out,
+            R"({"type":"LineString","coordinates":[[0,0,1],[1106313,0,2.50]]})");  // 6371000 sin 10 degrees
+
   // Far from the meridian of a series: noted though nothing is cut.
   Convert(R"({"type":"LineString","coordinates":[[35,50],[36,50]]})", kDegrees, kUtm33,
           {"--report", report.Path()});

@@ -61,6 +61,19 @@ void AppendPosition(std::string& out, OGRGeometryH geometry, int i) {
   out += ']';
 }
 
+/// The parts that are not empty, by append(out, part), with commas between.
+void AppendParts(std::string& out, OGRGeometryH geometry,
+                 void (*append)(std::string& out, OGRGeometryH part)) {
+  bool bFirst = true;
+  for (int i = 0; i < OGR_G_GetGeometryCount(geometry); ++i) {
+    const OGRGeometryH part = OGR_G_GetGeometryRef(geometry, i);
+    if (OGR_G_IsEmpty(part)) continue;
+    if (!bFirst) out += ',';
+    bFirst = false;
+    append(out, part);
+  }
+}
+
 void AppendCoordinates(std::string& out, OGRGeometryH geometry) {
   const OGRwkbGeometryType type = wkbFlatten(OGR_G_GetGeometryType(geometry));
   if (type == wkbPoint) return AppendPosition(out, geometry, 0);
@@ -71,14 +84,7 @@ void AppendCoordinates(std::string& out, OGRGeometryH geometry) {
       AppendPosition(out, geometry, i);
     }
   } else {
-    bool bFirst = true;
-    for (int i = 0; i < OGR_G_GetGeometryCount(geometry); ++i) {
-      const OGRGeometryH part = OGR_G_GetGeometryRef(geometry, i);
-      if (OGR_G_IsEmpty(part)) continue;
-      if (!bFirst) out += ',';
-      bFirst = false;
-      AppendCoordinates(out, part);
-    }
+    AppendParts(out, geometry, &AppendCoordinates);
   }
   out += ']';
 }
@@ -94,14 +100,7 @@ void AppendGeometry(std::string& out, OGRGeometryH geometry) {
     AppendCoordinates(out += R"("coordinates":)", geometry);
   } else {
     out += R"("geometries":[)";
-    bool bFirst = true;
-    for (int i = 0; i < OGR_G_GetGeometryCount(geometry); ++i) {
-      const OGRGeometryH part = OGR_G_GetGeometryRef(geometry, i);
-      if (OGR_G_IsEmpty(part)) continue;
-      if (!bFirst) out += ',';
-      bFirst = false;
-      AppendGeometry(out, part);
-    }
+    AppendParts(out, geometry, &AppendGeometry);
     out += ']';
   }
   out += '}';

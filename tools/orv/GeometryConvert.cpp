@@ -92,11 +92,11 @@ class GeometryConverter::Impl {
     if (points.empty()) return Copied(members, At(coordinates->value));  // an empty geometry stays one
     if (m_pClip && type != "Point" && type != "MultiPoint") {
       ClipTally tally;
-      const bool bWhole = Cut(parts, bRings, tally);
+      const bool bCut = Cut(parts, bRings, tally);
       for (size_t ClipTally::*const count :
            {&ClipTally::whole, &ClipTally::clipped, &ClipTally::split, &ClipTally::dropped})
         m_Clipped.*count += tally.*count;
-      if (!bWhole) return OfShape(members, points, bRings, std::move(parts));
+      if (bCut) return OfShape(members, points, bRings, std::move(parts));
     }
     Count(points, false);
     const uint64_t lostBefore = m_Losses.lost;
@@ -187,15 +187,14 @@ class GeometryConverter::Impl {
 
   // ---- clipped
 
-  /// Brings the parts to the map's datum and clips them; false when that has changed anything.
+  /// Brings the parts to the map's datum, clips and projects them; false when nothing is cut off, and then they are of no use.
   bool Cut(Parts& parts, bool bRings, ClipTally& tally) {
-    bool bWhole = true;
     GeoShape shape;
     for (std::vector<Line>& lines : parts) {
       for (Line& line : lines) {
         if (line.empty()) continue;  // of no consequence
         if (line.size() < 2) Fail("a line or ring has fewer than two positions");
-        bWhole = ToMapDatum(line, bRings ? 4 : 2) && bWhole;
+        ToMapDatum(line, bRings ? 4 : 2);
       }
       const auto isGone = [](const Line& line) { return line.empty(); };
       // Without its outline a polygon's holes mean nothing.
@@ -210,22 +209,21 @@ class GeometryConverter::Impl {
     }
     shape = m_pClip->Clip(shape, tally, nullptr);
     parts.clear();
-    if (bWhole && tally.clipped + tally.dropped + tally.lost == 0) return true;
+    if (tally.clipped + tally.dropped == 0) return false;
     if (bRings) {
       parts = std::move(shape.polygons);
     } else {
       parts.push_back(std::move(shape.lines));
     }
-    return false;
+    return true;
   }
 
+  /// Positions without a place are left out.
+  ///
   /// @param least  positions that a line or ring needs; with fewer it becomes empty.
-  /// @return whether all positions have a place.
-  bool ToMapDatum(Line& line, size_t least) const {
+  void ToMapDatum(Line& line, size_t least) const {
     m_ToMapDatum->Convert(line.data(), line.size());
-    const size_t lost = std::erase_if(line, &IsLost);
-    if (lost > 0 && line.size() < least) line.clear();
-    return lost == 0;
+    if (std::erase_if(line, &IsLost) > 0 && line.size() < least) line.clear();
   }
 
   /// The geometry that is left of one that was cut, and the account of its positions.
@@ -263,16 +261,20 @@ class GeometryConverter::Impl {
     BlockTally block;
     m_Direct.Convert(points.data(), points.size(), block.report);
     block.points = points.size();
+    // What comes as far as the map's datum is lost by the projection alone.
+    std::vector<shr::Vec2d> onDatum;
     if (bCut) {
-      block.cutOff = block.report.Tally(ConversionLostDestArea).count +
-                     block.report.Tally(ConversionLostDestProjection).count;
+      onDatum = sources;
+      m_ToMapDatum->Convert(onDatum.data(), onDatum.size());
     }
-    uint64_t left = block.cutOff;  // the report does not tell which they are: the last ones lost
     for (size_t i = 0; i < points.size(); ++i) {
       if (!IsLost(points[i])) continue;
-      block.lost.push_back({static_cast<uint32_t>(i), false, BadLine::NoNumber, true, sources[i], ""});
+      if (bCut && !IsLost(onDatum[i])) {
+        ++block.cutOff;
+      } else {
+        block.lost.push_back({static_cast<uint32_t>(i), false, BadLine::NoNumber, true, sources[i], ""});
+      }
     }
-    block.lost.resize(block.lost.size() - std::min<size_t>(left, block.lost.size()));
     for (size_t i = 0; i < kConversionEvents; ++i) {
       block.firstPlace[i] = static_cast<uint32_t>(block.report.Tally(static_cast<ConversionEvent>(i)).first);
     }
