@@ -47,14 +47,14 @@ inline Lanes WrappedOffset(Lanes radians) {
 
 /// Into 0 to `most`; a NaN, which the smallest spacings make, gives 0.
 inline Lanes Within(Lanes value, double most) {
-  const Lanes notBelow = value > 0.0 ? value : Splat(0.0);
-  return notBelow < most ? notBelow : Splat(most);
+  const Lanes notBelow = Select(value > 0.0, value, 0.0);
+  return Select(notBelow < most, notBelow, most);
 }
 
 /// The cell of a coordinate in units of the spacing; that on the east or north edge belongs to the last one.
 inline Lanes CellOf(Lanes u, double nodes) {
   const Lanes cell = Floor(u);
-  return cell < nodes - 2.0 ? cell : Splat(nodes - 2.0);
+  return Select(cell < nodes - 2.0, cell, nodes - 2.0);
 }
 
 struct NTv2Shifts {
@@ -92,7 +92,7 @@ inline NTv2Shifts ShiftsAt(const NTv2Cells& g, Point p) {
 inline Point Forward(const NTv2Cells& g, Point p, Mask& lanes) {
   const NTv2Shifts shift = ShiftsAt(g, p);
   lanes = lanes & shift.found;
-  return {lanes ? p.x + shift.lon : p.x, lanes ? p.y + shift.lat : p.y};
+  return {Select(lanes, p.x + shift.lon, p.x), Select(lanes, p.y + shift.lat, p.y)};
 }
 
 /// A search for the points that Forward takes to some, of the lanes that are still at it.
@@ -195,7 +195,7 @@ class NTv2Searches {
         if (Any(settled)) {
           Point p;
           Load(s.xy, p.x, p.y);
-          Store(s.xy, settled ? s.guess.x : p.x, settled ? s.guess.y : p.y);
+          Store(s.xy, Select(settled, s.guess.x, p.x), Select(settled, s.guess.y, p.y));
         }
         if (!Any(s.active)) continue;
         if (left != i) m_Searches[left] = s;

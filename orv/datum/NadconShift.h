@@ -36,7 +36,7 @@ inline Mask Contains(const NadconCells& g, Point p) {
 /// trunc((x - min) / step + 1) of an x that is above -1 by it.
 inline Lanes NadconNode(Lanes x, double min, double step) {
   const Lanes u = (x - min) / step + 1.0;
-  return Floor(u < 0.0 ? Splat(0.0) : u);
+  return Floor(Select(u < 0.0, 0.0, u));
 }
 
 /// The points with their node's shift; those outside stay.
@@ -61,9 +61,9 @@ struct NadconSecant {
     const Mask settled = abs(residual) < kNadconSettled, level = change == 0.0;
     const Mask stays = settled | level | !active;
     const Lanes next = guess - residual * (guess - previous) / Except(change, stays, 1.0);
-    previous = stays ? previous : guess;
-    previousResidual = stays ? previousResidual : residual;
-    guess = stays ? guess : next;
+    previous = Select(stays, previous, guess);
+    previousResidual = Select(stays, previousResidual, residual);
+    guess = Select(stays, guess, next);
   }
 };
 
@@ -91,16 +91,16 @@ inline Point Inverse(const NadconCells& g, Point p, Mask wanted) {
 /// contain it the first, but a later one with both spacings smaller takes its place.
 template <class F>
 inline Point WithinGrids(const NadconSet& set, Point p, F shift) {
-  Lanes chosen = Splat(-1.0), dx = Splat(kInfinity), dy = Splat(kInfinity);
+  Lanes chosen = -1.0, dx = kInfinity, dy = kInfinity;
   std::size_t first = set.count, last = 0;  // grids that any lane has chosen for a time
   for (std::size_t i = 0; i < set.count; ++i) {
     const NadconCells& g = set.grids[i];
     const Mask inside = Contains(g, p);
     if (!Any(inside)) continue;
     const Mask taken = inside & (g.dx < dx) & (g.dy < dy);
-    chosen = taken ? Splat(static_cast<double>(i)) : chosen;
-    dx = taken ? Splat(g.dx) : dx;
-    dy = taken ? Splat(g.dy) : dy;
+    chosen = Select(taken, static_cast<double>(i), chosen);
+    dx = Select(taken, g.dx, dx);
+    dy = Select(taken, g.dy, dy);
     first = first < i ? first : i;
     last = i;
   }
@@ -110,7 +110,7 @@ inline Point WithinGrids(const NadconSet& set, Point p, F shift) {
     if (!Any(here)) continue;
     const NadconCells& g = set.grids[i];
     const Point there = shift(g, Point{Except(p.x, !here, g.xMin), Except(p.y, !here, g.yMin)}, here);
-    out = {here ? there.x : out.x, here ? there.y : out.y};
+    out = {Select(here, there.x, out.x), Select(here, there.y, out.y)};
   }
   return out;
 }

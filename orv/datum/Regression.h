@@ -34,15 +34,15 @@ inline constexpr int kRegressionPowers = 10;
 /// The sum of c U^u V^v in the order of the terms.
 inline Lanes SumOfTerms(const RegressionTerm* terms, std::size_t count, const Lanes (&u)[kRegressionPowers],
                         const Lanes (&v)[kRegressionPowers]) {
-  Lanes sum = Splat(0.0);
+  Lanes sum = 0.0;
   for (std::size_t i = 0; i < count; ++i) sum = sum + terms[i].c * u[terms[i].u] * v[terms[i].v];
   return sum;
 }
 
 inline Point Shift(const Regression& c, Point p) {
   Lanes u[kRegressionPowers], v[kRegressionPowers];
-  u[0] = Splat(1.0);
-  v[0] = Splat(1.0);
+  u[0] = 1.0;
+  v[0] = 1.0;
   u[1] = c.k * (p.y - c.phim);
   v[1] = c.k * (p.x - c.lambdam);
   for (int i = 2; i < kRegressionPowers; ++i) {

@@ -8,7 +8,7 @@
 namespace orv::lanes {
 
 inline constexpr std::size_t kBlockPoints = 512;  ///< points in a block: 8 KB
-inline constexpr std::size_t kMostLanes = 8;      ///< a multiple of every set's lanes
+inline constexpr std::size_t kMostLanes = 16;     ///< a multiple of every set's lanes
 
 /// Calls f(const KernelTable& kernels, double* xy, std::size_t count) on block after block of the n points,
 /// in order.

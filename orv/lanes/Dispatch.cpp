@@ -53,7 +53,7 @@ int Candidates(Candidate (&list)[kMostCandidates]) {
   return count;
 }
 
-constexpr std::size_t kFewPoints = 4;
+constexpr std::size_t kFewPoints = 8;
 
 struct Choice {
   const KernelTable* best;
@@ -69,12 +69,11 @@ Choice Choose(const char* wanted) {
     if (std::strcmp(list[i].table->isa, wanted) == 0) first = i;
   }
   while (!list[first].runs) ++first;  // the last one runs everywhere
-  const KernelTable* const one = list[count - 1].table;
-  Choice choice = {list[first].table, {one, one}};
-  for (std::size_t points = 2; points <= kFewPoints; ++points) {
-    int fit = first;
-    while (list[fit].table->lanes > kFewPoints || !list[fit].runs) ++fit;
-    choice.few[points] = list[fit].table;
+  Choice choice = {list[first].table, {}};
+  for (std::size_t points = 0; points <= kFewPoints; ++points) {
+    int narrowest = count - 1;
+    while (narrowest > first && (list[narrowest].table->lanes < points || !list[narrowest].runs)) --narrowest;
+    choice.few[points] = list[narrowest].table;
   }
   return choice;
 }

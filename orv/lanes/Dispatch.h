@@ -170,8 +170,8 @@ struct KernelTable {
 /// is ignored.
 const KernelTable& Kernels();
 
-/// The quickest set for a call of n points, none above Kernels(): that one itself from five points on, four lanes
-/// for two to four points, one for one.  (SSE2 loses to one lane on a single point: it has no blend.)
+/// The quickest set for a call of n points, none above Kernels(): that one itself from nine points on, for fewer the
+/// narrowest that takes them in one group.
 const KernelTable& KernelsFor(std::size_t n);
 
 /// The set of that name, or null when this machine or this build lacks it.  For tests and benchmarks.

@@ -78,9 +78,9 @@ inline Point WithoutMarked(Point p, Mask marked) {
 inline Point Plotted(Point p, Mask marked, Point q) {
   const Mask bad = !((q.x == q.x) & (q.y == q.y));
   if (!Any(marked | bad)) return q;
-  const Lanes x = bad ? Splat(kMarker) : q.x;
-  const Lanes y = bad ? Splat(kMarker) : q.y;
-  return {marked ? p.x : x, marked ? p.y : y};
+  const Lanes x = Select(bad, kMarker, q.x);
+  const Lanes y = Select(bad, kMarker, q.y);
+  return {Select(marked, p.x, x), Select(marked, p.y, y)};
 }
 /// A computation on a group of which some points may carry the marker.
 template <class F>
@@ -109,8 +109,8 @@ inline Point OnUnmarked(Point p, F f) {
 // ---- normalisation ---------------------------------------------------------------------------------------
 
 inline Lanes FoldLatitude(Lanes r) {
-  const Lanes down = r > 90.0 ? 180.0 - r : r;
-  return down < -90.0 ? -180.0 - down : down;
+  const Lanes down = Select(r > 90.0, 180.0 - r, r);
+  return Select(down < -90.0, -180.0 - down, down);
 }
 
 inline Point NormaliseCoordinates(Point p) {
@@ -122,7 +122,7 @@ inline Point NormaliseCoordinates(Point p) {
   const Mask yMarked = (y == kMarker) | (abs(y) == kInfinity);
   const Lanes lon = fmod(Except(x, xMarked, 0.0), 360.0);
   const Lanes lat = FoldLatitude(fmod(Except(y, yMarked, 0.0), 180.0));
-  return {xMarked ? Splat(kMarker) : lon, yMarked ? Splat(kMarker) : lat};
+  return {Select(xMarked, kMarker, lon), Select(yMarked, kMarker, lat)};
 }
 
 inline Point NormalisePoints(Point p) {
@@ -139,18 +139,20 @@ inline Point NormalisePoints(Point p) {
 /// is the correctly rounded quotient [Mar90], hence the bits of the division, in a third of the time.  The
 /// remainder must not underflow, and a zero must keep its sign: then the division itself.
 inline Lanes DivideByConstant(Lanes x, double d, double inverse) {
-#if ORV_LANES_X86 && ORV_LANES > 2 && defined(__FMA__)
+#if ORV_LANES_X86 && ORV_LANES > 4 && defined(__FMA__)
   if (Any(abs(x) < 1e-280)) return x / d;
-  const Lanes q = x * inverse;
-#if ORV_LANES == 4
-  const auto wide = [](Lanes v) { return reinterpret_cast<__m256d>(v); };
-  const __m256d rest = _mm256_fnmadd_pd(wide(q), wide(Splat(d)), wide(x));
-  return reinterpret_cast<Lanes>(_mm256_fmadd_pd(rest, wide(Splat(inverse)), wide(q)));
+  return OfEach(x, [d, inverse](Register r) {
+    const Register q = r * inverse;
+#if ORV_LANES == 8
+    const auto wide = [](Register v) { return reinterpret_cast<__m256d>(v); };
+    const __m256d rest = _mm256_fnmadd_pd(wide(q), _mm256_set1_pd(d), wide(r));
+    return reinterpret_cast<Register>(_mm256_fmadd_pd(rest, _mm256_set1_pd(inverse), wide(q)));
 #else
-  const auto wide = [](Lanes v) { return reinterpret_cast<__m512d>(v); };
-  const __m512d rest = _mm512_fnmadd_pd(wide(q), wide(Splat(d)), wide(x));
-  return reinterpret_cast<Lanes>(_mm512_fmadd_pd(rest, wide(Splat(inverse)), wide(q)));
+    const auto wide = [](Register v) { return reinterpret_cast<__m512d>(v); };
+    const __m512d rest = _mm512_fnmadd_pd(wide(q), _mm512_set1_pd(d), wide(r));
+    return reinterpret_cast<Register>(_mm512_fmadd_pd(rest, _mm512_set1_pd(inverse), wide(q)));
 #endif
+  });
 #else
   (void)inverse;
   return x / d;
@@ -213,8 +215,8 @@ ORV_KERNEL inline void RunWrapLongitudes(double* xy, std::size_t n, double* offs
     const Mask plottable = !Marked(p);
     const Mask up = plottable & (p.x >= -360.0) & (p.x < -180.0);
     const Mask down = plottable & (p.x > 180.0) & (p.x <= 360.0);
-    const Lanes offset = up ? Splat(-360.0) : (down ? Splat(360.0) : Splat(0.0));
-    Store(points, (up | down) ? p.x - offset : p.x, p.y);
+    const Lanes offset = Select(up, -360.0, Select(down, 360.0, 0.0));
+    Store(points, Select((up | down), p.x - offset, p.x), p.y);
     double* const to = offsets + first;
     if (n - first >= kLanes) {
       __builtin_memcpy(to, &offset, sizeof offset);
@@ -228,7 +230,7 @@ ORV_KERNEL inline void RunUnwrapLongitudes(double* xy, std::size_t n, const doub
     Point p;
     Load(points, p.x, p.y);
     const double* const from = offsets + first;
-    Lanes offset = Splat(0.0);
+    Lanes offset = 0.0;
     if (n - first >= kLanes) {
       __builtin_memcpy(&offset, from, sizeof offset);
     } else {

@@ -74,7 +74,7 @@ ORV_KERNEL inline void RunForwardNTv2(const NTv2Set& set, double* xy, std::size_
     Point out = p;
     EachGrid(set, p, last, [&](const NTv2Cells& g, Mask lanes) {
       const Point there = Forward(g, OnLanes(p, lanes, g.west, g.south), lanes);
-      out = {lanes ? there.x : out.x, lanes ? there.y : out.y};
+      out = {Select(lanes, there.x, out.x), Select(lanes, there.y, out.y)};
     });
     return out;
   });

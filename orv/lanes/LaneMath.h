@@ -37,7 +37,7 @@ inline Lanes Estrin(Lanes z, const Lanes (&c)[N]) {
 }
 template <class... C>
 inline Lanes Poly(Lanes z, C... c) {
-  const Lanes lanes[] = {Splat(c)...};
+  const Lanes lanes[] = {Lanes(c)...};
   return Estrin(z, lanes);
 }
 
@@ -53,8 +53,8 @@ inline Lanes Round(Lanes x, Ints& n) {
 inline Lanes Floor(Lanes x) {
   Ints unused;
   const Lanes nearest = Round(x, unused);
-  const Lanes floor = nearest > x ? nearest - 1.0 : nearest;
-  return abs(x) < 0x1p51 ? floor : x;
+  const Lanes floor = Select(nearest > x, nearest - 1.0, nearest);
+  return Select(abs(x) < 0x1p51, floor, x);
 }
 
 /// An integer 0 <= x < 2^52 as Ints, exactly.
@@ -93,8 +93,8 @@ inline SinCos sincos(Lanes x) {
   const Lanes c = w + (((1.0 - w) - h) + (z * z * pc - r * tail));
 
   const Mask odd = (q & 1) != 0;
-  const Lanes sine = odd ? c : s;
-  const Lanes cosine = odd ? s : c;
+  const Lanes sine = Select(odd, c, s);
+  const Lanes cosine = Select(odd, s, c);
   return {FromBits(BitsOf(sine) ^ ((q << 62) & kSignBit)),
           FromBits(BitsOf(cosine) ^ (((q + 1) << 62) & kSignBit))};
 }
@@ -118,7 +118,7 @@ inline Lanes ToLanes(Ints i) { return FromBits(i | 0x4330000000000000) - 0x1p52;
 
 /// x = 2^k m with m from sqrt(1/2) to sqrt(2); returns k + 1023 as Ints.  x normal and positive.
 inline Ints BiasedExponent(Lanes x, Lanes& m) {
-  const Ints j = (Ints)(((Bits)BitsOf(x) - (0x3fe6a09e667f3bcdULL - (1023ULL << 52))) >> 52);
+  const Ints j = Ints((Bits(BitsOf(x)) - (0x3fe6a09e667f3bcdULL - (1023ULL << 52))) >> 52);
   m = FromBits(BitsOf(x) - ((j - 1023) << 52));
   return j;
 }
@@ -130,7 +130,7 @@ inline Ints BiasedExponent(Lanes x, Lanes& m) {
 inline Lanes log(Lanes x) {
   const Mask fit = x >= 2.2250738585072014e-308;
   Lanes m;
-  const Ints j = BiasedExponent(fit ? x : Splat(1.0), m);
+  const Ints j = BiasedExponent(Select(fit, x, 1.0), m);
   const Lanes k = ToLanes(j) - 1023.0;
   const Lanes f = m - 1.0;
   const Lanes s = f / (2.0 + f);
@@ -139,8 +139,8 @@ inline Lanes log(Lanes x) {
   const Lanes r = z * Poly(z, 0.666666666666667, 0.3999999999989322, 0.28571428628810996, 0.22222210674238516,
                            0.18182922513515942, 0.15330617306743305, 0.1463003136412286);
   const Lanes y = k * 0.6931471803691238 - ((h - (s * (h + r) + k * 1.9082149292705877e-10)) - f);
-  const Lanes special = x >= 0.0 ? Splat(-kInfinity) : Splat(kNaN);
-  return x == kInfinity ? x : (fit ? y : special);
+  const Lanes special = Select(x >= 0.0, -kInfinity, kNaN);
+  return Select(x == kInfinity, x, Select(fit, y, special));
 }
 
 /// ln(p / q) of positive p, q without the quotient, accurate to some ULP where that is near 0 as well.
@@ -149,12 +149,12 @@ inline Lanes log(Lanes x) {
 /// used, with n / d = (p - q)/(p + q) given by the caller in a form that does not cancel.
 inline Lanes LogRatio(Lanes p, Lanes q, Lanes n, Lanes d) {
   // the difference of the bits is 2^52 log2(p/q), by no more than 0.09 wrong: p/(2^k q) lies in [0.66, 1.51]
-  const Bits wrapping = (Bits)BitsOf(p) - (Bits)BitsOf(q) + ((1023ULL << 52) + (1ULL << 51));
-  const Ints j = (Ints)(wrapping >> 52);
+  const Bits wrapping = Bits(BitsOf(p)) - Bits(BitsOf(q)) + ((1023ULL << 52) + (1ULL << 51));
+  const Ints j = Ints(wrapping >> 52);
   const Lanes k = ToLanes(j) - 1023.0;
   const Lanes qk = q * PowerOfTwo(j);
   const Mask near = k == 0.0;
-  const Lanes s = (near ? n : p - qk) / (near ? d : p + qk);
+  const Lanes s = (Select(near, n, p - qk)) / Select(near, d, p + qk);
   const Lanes z = s * s;
   const Lanes r =
       z * Poly(z, 0.6666666666666666, 0.40000000000010355, 0.28571428566211265, 0.22222223222240986,
@@ -167,9 +167,9 @@ inline Lanes LogRatio(Lanes p, Lanes q, Lanes n, Lanes d) {
 inline Lanes atanh(Lanes x) {
   const Lanes ax = abs(x);
   const Mask fit = ax < 1.0;
-  const Lanes a = fit ? ax : Splat(0.0);
-  const Lanes y = 0.5 * LogRatio(1.0 + a, 1.0 - a, a, Splat(1.0));
-  return WithSign(fit ? y : Splat(kInfinity), x);
+  const Lanes a = Select(fit, ax, 0.0);
+  const Lanes y = 0.5 * LogRatio(1.0 + a, 1.0 - a, a, 1.0);
+  return WithSign(Select(fit, y, kInfinity), x);
 }
 
 /// ln tan(pi/4 + theta/2), the isometric latitude of the sphere, of an angle |theta| < pi/2 that is given by
@@ -182,14 +182,14 @@ inline Lanes LogTan(Lanes s, Lanes c, Lanes one) {
   const Lanes as = abs(s);
   return FlipSign(LogRatio(one + as, c, as, one + c), s);
 }
-inline Lanes LogTan(SinCos t) { return LogTan(t.sin, t.cos, Splat(1.0)); }
+inline Lanes LogTan(SinCos t) { return LogTan(t.sin, t.cos, 1.0); }
 
 // ---- exponentials ----------------------------------------------------------------------------------------
 
 /// exp(x + low) for a small |low| <= 2^-40 |x|: see exp.
 inline Lanes ExpOfSum(Lanes x, Lanes low) {
   const Mask small = x<-707.0, large = x> 709.782712893384;
-  const Lanes c = (small | large) ? Splat(0.0) : x;
+  const Lanes c = Select((small | large), 0.0, x);
   Ints n;
   const Lanes k = Round(c * 1.4426950408889634, n);
   const Lanes hi = c - k * 0.6931471803691238;
@@ -200,11 +200,11 @@ inline Lanes ExpOfSum(Lanes x, Lanes low) {
                        0.0013888888918939168, 0.00019841269864380513, 2.4801518641395993e-05,
                        2.75572664186123e-06, 2.7621338669142925e-07, 2.510134692835034e-08);
   const Lanes y = (1.0 + (hi + (p - lo))) * PowerOfTwo(n + 1022) * 2.0;
-  return large ? Splat(kInfinity) : (small ? Splat(0.0) : y);
+  return Select(large, kInfinity, Select(small, 0.0, y));
 }
 
 /// Exponential: 0.98 ULP for -707 <= x <= 709.78.  Below it is 0, above infinity, without a flag.
-inline Lanes exp(Lanes x) { return ExpOfSum(x, Splat(0.0)); }
+inline Lanes exp(Lanes x) { return ExpOfSum(x, 0.0); }
 
 /// exp(x) - 1: 1.7 ULP for |x| <= 700, which the argument must not exceed.
 inline Lanes expm1(Lanes x) {
@@ -239,7 +239,7 @@ inline Lanes cosh(Lanes x) { return sinhcosh(x).cosh; }
 /// Hyperbolic tangent: 2.5 ULP for every x.
 inline Lanes tanh(Lanes x) {
   const Lanes ax = abs(x);
-  const Lanes t = expm1(2.0 * (ax < 22.0 ? ax : Splat(22.0)));
+  const Lanes t = expm1(2.0 * Select(ax < 22.0, ax, 22.0));
   return WithSign(t / (t + 2.0), x);
 }
 
@@ -250,7 +250,7 @@ inline Lanes tanh(Lanes x) {
 inline Lanes pow(Lanes a, double b) {
   const Mask fit = (a >= 2.2250738585072014e-308) & (a != kInfinity);
   Lanes m;
-  const Ints j = BiasedExponent(fit ? a : Splat(1.0), m);
+  const Ints j = BiasedExponent(Select(fit, a, 1.0), m);
   const Lanes k = ToLanes(j) - 1023.0;
   const Lanes f = m - 1.0;
   const Lanes s = f / (2.0 + f);
@@ -271,9 +271,9 @@ inline Lanes pow(Lanes a, double b) {
   const Lanes p = b * l;
   const Lanes p_low = (((b1 * l1 - p) + b1 * l2) + b2 * l1) + b2 * l2;
   const Lanes y = ExpOfSum(p, p_low + b * l_low);
-  const Lanes small = b > 0 ? Splat(0.0) : Splat(kInfinity);
-  const Lanes large = b > 0 ? Splat(kInfinity) : Splat(0.0);
-  return fit ? y : (a >= 0.0 ? (a == kInfinity ? large : small) : Splat(kNaN));
+  const Lanes small = b > 0 ? 0.0 : kInfinity;
+  const Lanes large = b > 0 ? kInfinity : 0.0;
+  return Select(fit, y, Select(a >= 0.0, Select(a == kInfinity, large, small), kNaN));
 }
 
 // ---- inverse circular functions --------------------------------------------------------------------------
@@ -285,11 +285,11 @@ inline Lanes pow(Lanes a, double b) {
 inline Lanes atan2(Lanes y, Lanes x) {
   const Lanes ax = abs(x), ay = abs(y);
   const Mask steep = ay > ax;
-  const Lanes low = steep ? ax : ay, high = steep ? ay : ax;
+  const Lanes low = Select(steep, ax, ay), high = Select(steep, ay, ax);
   const Mask far = low > 0.5 * high;
-  const Lanes num = far ? low - high : low;
-  const Lanes den = far ? low + high : high;
-  const Lanes q = num / (den == 0.0 ? Splat(1.0) : den);
+  const Lanes num = Select(far, low - high, low);
+  const Lanes den = Select(far, low + high, high);
+  const Lanes q = num / Select(den == 0.0, 1.0, den);
   const Lanes z = q * q;
   const Lanes p =
       q * z *
@@ -297,21 +297,21 @@ inline Lanes atan2(Lanes y, Lanes x) {
            -0.09090904305375164, 0.07692197165867068, -0.06665037048227497, 0.05866372266802917,
            -0.051568882636820045, 0.04281616534792999, -0.02891895079990045, 0.01112665995931184);
   // the angle is hi + (q + (p + lo)), hi + lo a multiple of pi/4; each fold negates q and p
-  const Lanes hi1 = far ? Splat(0.7853981633974483) : Splat(0.0);
-  const Lanes lo1 = far ? Splat(3.061616997868383e-17) : Splat(0.0);
-  const Lanes hi2 = steep ? 1.5707963267948966 - hi1 : hi1;
-  const Lanes lo2 = steep ? 6.123233995736766e-17 - lo1 : lo1;
+  const Lanes hi1 = Select(far, 0.7853981633974483, 0.0);
+  const Lanes lo1 = Select(far, 3.061616997868383e-17, 0.0);
+  const Lanes hi2 = Select(steep, 1.5707963267948966 - hi1, hi1);
+  const Lanes lo2 = Select(steep, 6.123233995736766e-17 - lo1, lo1);
   const Mask back = x < 0.0;
-  const Lanes hi3 = back ? 3.141592653589793 - hi2 : hi2;
-  const Lanes lo3 = back ? 1.2246467991473532e-16 - lo2 : lo2;
+  const Lanes hi3 = Select(back, 3.141592653589793 - hi2, hi2);
+  const Lanes lo3 = Select(back, 1.2246467991473532e-16 - lo2, lo2);
   const Mask negate = steep != back;
-  const Lanes q3 = negate ? -q : q;
-  const Lanes p3 = negate ? -p : p;
+  const Lanes q3 = Select(negate, -q, q);
+  const Lanes p3 = Select(negate, -p, p);
   return FlipSign(hi3 + (q3 + (p3 + lo3)), y);
 }
 
 /// Arc tangent, in [-pi/2, pi/2]: 1.4 ULP for |x| <= 1e300.
-inline Lanes atan(Lanes x) { return atan2(x, Splat(1.0)); }
+inline Lanes atan(Lanes x) { return atan2(x, 1.0); }
 
 /// asin of |x| <= 1/2 in x itself, of larger ones by the half angle; both share this.
 struct AsinParts {
@@ -322,8 +322,8 @@ struct AsinParts {
 inline AsinParts AsinOf(Lanes x) {
   const Lanes ax = abs(x);
   const Mask large = ax > 0.5;
-  const Lanes z = large ? 0.5 * (1.0 - ax) : ax * ax;
-  const Lanes s = large ? sqrt(z) : ax;
+  const Lanes z = Select(large, 0.5 * (1.0 - ax), ax * ax);
+  const Lanes s = Select(large, sqrt(z), ax);
   const Lanes p = s * z *
                   Poly(z, 0.16666666666666666, 0.07500000000000122, 0.04464285714254326, 0.030381944476347046,
                        0.02237215740373685, 0.01735281769074104, 0.013963758735074137, 0.01156672237119713,
@@ -340,7 +340,7 @@ inline Lanes asin(Lanes x) {
   const Lanes hi = 1.5707963267948966 - twice;
   const Lanes lost = (1.5707963267948966 - hi) - twice;
   const Lanes large = hi + (lost - (2.0 * a.p - 6.123233995736766e-17));
-  return WithSign(a.large ? large : small, x);
+  return WithSign(Select(a.large, large, small), x);
 }
 
 /// Arc cosine: 1.15 ULP for |x| <= 1, which the argument must not exceed.
@@ -351,8 +351,8 @@ inline Lanes acos(Lanes x) {
   const Lanes small = 1.5707963267948966 - (s + (p - 6.123233995736766e-17));
   const Lanes twice = 2.0 * a.s + 2.0 * a.p;
   const Lanes large =
-      negative ? 3.141592653589793 - (2.0 * a.s + (2.0 * a.p - 1.2246467991473532e-16)) : twice;
-  return a.large ? large : small;
+      Select(negative, 3.141592653589793 - (2.0 * a.s + (2.0 * a.p - 1.2246467991473532e-16)), twice);
+  return Select(a.large, large, small);
 }
 
 }  // namespace ORV_ISA

@@ -57,7 +57,7 @@ inline Mask AtAntipode(const FromCentre& v, Lanes squaredSine) {
 inline Lanes OnePlusCosine(const FromCentre& v, Lanes squaredSine, Mask antipode) {
   const Mask beyond = v.cosC < 0.0;
   if (!Any(beyond)) return 1.0 + v.cosC;
-  const Lanes sum = beyond ? squaredSine / (1.0 + abs(v.cosC)) : 1.0 + v.cosC;
+  const Lanes sum = Select(beyond, squaredSine / (1.0 + abs(v.cosC)), 1.0 + v.cosC);
   return Except(sum, antipode, 1.0);
 }
 
@@ -81,7 +81,7 @@ inline Direction DirectionOf(const AzimuthalCentre& c, Lanes east, Lanes north, 
 
 /// The latitude: the centre's own at the centre, a right angle at a pole.
 inline Lanes LatitudeAt(const AzimuthalCentre& c, const Direction& d) {
-  const Lanes phi = Except(atan2(d.s, d.root), d.pole, WithSign(Splat(kHalfPi), d.s));
+  const Lanes phi = Except(atan2(d.s, d.root), d.pole, WithSign(kHalfPi, d.s));
   return Except(phi, d.centre, c.lat0);
 }
 

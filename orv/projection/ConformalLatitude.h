@@ -49,7 +49,7 @@ inline Lanes LatitudeOf(Lanes t, double e, double tolerance, int steps) {
   for (int i = 0; i < steps && Any(active); ++i) {
     const Lanes next = t * ConformalFactor(e, 2.0 / (1.0 + tau * tau) - 1.0);
     const Mask moving = 2.0 * abs(next - tau) > tolerance * (1.0 + tau * next);
-    tau = active ? next : tau;
+    tau = Select(active, next, tau);
     active = active & moving;
   }
   return Except(kHalfPi - 2.0 * atan(tau), active, kNaN);

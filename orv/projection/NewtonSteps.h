@@ -22,7 +22,7 @@ inline Lanes Newton(Lanes x, double relative, Correction correction) {
   Mask active = x == x;
   for (int i = 0; i < kNewtonSteps && Any(active); ++i) {
     const Lanes d = correction(x);
-    x = active ? x + d : x;
+    x = Select(active, x + d, x);
     active = active & (abs(d) > stop);
   }
   return Except(x, active, kNaN);

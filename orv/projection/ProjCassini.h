@@ -61,8 +61,7 @@ inline Point CassiniInverseSphere(const Cassini& c, Point p) {
   const Lanes phi = atan2(d.sin * x.cos, root);   // (13-4): asin(sin D cos(x/a)), as an angle with its cosine
   const Lanes lambda = c.lon0 + atan2(x.sin, m);  // (13-5): atan2(tan(x/a), cos D), both times cos(x/a) > 0
   const Mask pole = root <= kAtPole;
-  return {Except(Except(lambda, pole, c.lon0), outside, kNaN),
-          Except(phi, pole, WithSign(Splat(kHalfPi), d.sin))};
+  return {Except(Except(lambda, pole, c.lon0), outside, kNaN), Except(phi, pole, WithSign(kHalfPi, d.sin))};
 }
 
 // ---- ellipsoid -------------------------------------------------------------------------------------------
@@ -100,8 +99,8 @@ inline Point CassiniInverseEllipsoid(const Cassini& c, Point p) {
   const Lanes lambda =
       c.lon0 + D * (1.0 - T * D2 * (1.0 / 3 - (1.0 + 3.0 * T) * D2 * (1.0 / 15))) * secant;  // (13-11)
   if (!Any(pole | wild)) return {lambda, LatitudeOrNaN(phi)};
-  return {pole ? Splat(c.lon0) : (wild ? Splat(kNaN) : lambda),
-          pole ? WithSign(Splat(kHalfPi), mu0) : LatitudeOrNaN(phi)};
+  return {Select(pole, c.lon0, Select(wild, kNaN, lambda)),
+          Select(pole, WithSign(kHalfPi, mu0), LatitudeOrNaN(phi))};
 }
 
 // ---- both ------------------------------------------------------------------------------------------------

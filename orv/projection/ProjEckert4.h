@@ -40,23 +40,24 @@ inline constexpr double kEckert4Rim = 1e-9;
 /// u - sin u cos u + 4 sin^2(u/2) = (2 + pi/2) (1 - sin phi) = (4 + pi) sin^2((pi/2 - phi)/2).
 inline SinCos Eckert4Theta(Lanes phi) {
   const Mask near = phi > kEckert4NearPole;
-  const Lanes sine = sin(near ? 0.5 * (kHalfPi - phi) : phi);
-  const Lanes right = near ? (2.0 * kEckert4C) * sine * sine : kEckert4C * sine;
+  const Lanes sine = sin(Select(near, 0.5 * (kHalfPi - phi), phi));
+  const Lanes right = Select(near, (2.0 * kEckert4C) * sine * sine, kEckert4C * sine);
   // Within 3e-5: polynomials fitted to the solution (tools/generate/newton_starts.py).
-  const Lanes r = sqrt(near ? right : Splat(0.0)), z = phi * phi;
-  const Lanes start = near ? r * Poly(r, 0.99994897972608518, -0.33079037443561758, 0.29153418946614328,
-                                      -0.18905707415989414, 0.067114154865105716)
-                           : phi * Poly(z, 0.89269854130057674, 0.029095191314853097, 0.0034053655941608532,
-                                        0.00075600524003630407);
+  const Lanes r = sqrt(Select(near, right, 0.0)), z = phi * phi;
+  const Lanes start = Select(near,
+                             r * Poly(r, 0.99994897972608518, -0.33079037443561758, 0.29153418946614328,
+                                      -0.18905707415989414, 0.067114154865105716),
+                             phi * Poly(z, 0.89269854130057674, 0.029095191314853097, 0.0034053655941608532,
+                                        0.00075600524003630407));
   const Lanes v = Newton(start, kNewtonRelative, [&](Lanes t) {  // (32-4)
     const SinCos h = sincos(0.5 * t);
     const Lanes s = 2.0 * h.sin * h.cos, k = 1.0 - 2.0 * Square(h.sin);
-    const Lanes left = near ? (t - s * k) + 4.0 * Square(h.sin) : t + s * k + 2.0 * s;
-    const Lanes slope = near ? 2.0 * s * (1.0 + s) : 2.0 * k * (1.0 + k);
+    const Lanes left = Select(near, (t - s * k) + 4.0 * Square(h.sin), t + s * k + 2.0 * s);
+    const Lanes slope = Select(near, 2.0 * s * (1.0 + s), 2.0 * k * (1.0 + k));
     return (right - left) / Except(slope, slope == 0.0, 1.0);
   });
   const SinCos t = sincos(v);
-  return {near ? t.cos : t.sin, near ? t.sin : t.cos};
+  return {Select(near, t.cos, t.sin), Select(near, t.sin, t.cos)};
 }
 
 inline Point Forward(const Eckert4& c, Point p) {

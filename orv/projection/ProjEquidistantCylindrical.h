@@ -24,7 +24,7 @@ inline Point Forward(const EquidistantCylindrical& c, Point p) {
 }
 
 inline Point Inverse(const EquidistantCylindrical& c, Point p) {
-  if (c.cosLat1 == 0.0) return {Splat(kNaN), Splat(kNaN)};
+  if (c.cosLat1 == 0.0) return {kNaN, kNaN};
   return {p.x / (c.a * c.cosLat1) + c.lon0, p.y / c.a};  // (12-6), (12-5)
 }
 

@@ -51,11 +51,11 @@ inline Point Inverse(const Gnomonic& c, Point p) {
   const double inverseRadius = 1.0 / c.a;
   const Lanes x = Clamp(p.x * inverseRadius, kFarthestRadii), y = Clamp(p.y * inverseRadius, kFarthestRadii);
   // tan c = rho (22-16): with cos c as the common factor sin c/rho is 1 and cos c is 1
-  if (c.pole == 0.0) return PointAt(c.centre, x, y, Splat(1.0));
+  if (c.pole == 0.0) return PointAt(c.centre, x, y, 1.0);
   // (20-14) with P = +-90; (20-16).  In the south too: it undoes the sign of y above.
   const Lanes rho = sqrt(x * x + y * y);
   const Lanes lambda = c.centre.lon0 + atan2(x, -y);
-  return {Except(lambda, rho <= kAtPole, c.centre.lon0), c.pole * atan2(Splat(1.0), rho)};
+  return {Except(lambda, rho <= kAtPole, c.centre.lon0), c.pole * atan2(1.0, rho)};
 }
 
 }  // namespace ORV_ISA

@@ -66,8 +66,8 @@ inline Point Forward(const Hotine& c, Point p) {
   const Mask finite = pole | ((abs(W) < T) & (root > 0.0));
   const Lanes safeW = Except(W, !finite, 0.0), safeRoot = Except(root, !finite, T);
   const Lanes vPoint = -scale * LogTan(safeW, safeRoot, T);  // (9-30): A ln((1-U)/(1+U))/(2B)
-  const Lanes uPoint = bd.cos == 0.0 ? c.A * c.B * d : scale * atan2(n, bd.cos);  // (9-31)
-  const Lanes vPole = p.y > 0.0 ? Splat(c.vNorth) : Splat(c.vSouth);              // note to (9-30)
+  const Lanes uPoint = Select(bd.cos == 0.0, c.A * c.B * d, scale * atan2(n, bd.cos));  // (9-31)
+  const Lanes vPole = Select(p.y > 0.0, c.vNorth, c.vSouth);                            // note to (9-30)
   const Lanes v = Except(Except(vPoint, !finite, kNaN), pole, vPole);
   const Lanes uRaw = Except(uPoint, pole, scale * p.y);  // note to (9-31)
   const Lanes u = c.offsetU ? uRaw - c.uc : uRaw;
@@ -93,12 +93,11 @@ inline Point Inverse(const Hotine& c, Point p) {
   const Lanes root = sqrt(n * n + bu.cos * bu.cos);  // T sqrt(1 - U'^2)
   const Mask pole = (abs(W) >= T) | (root <= 0.0);   // a NaN is none
   // (9-47): t = (E / sqrt((1 + U')/(1 - U')))^(1/B)
-  const Lanes lnT = (log(Splat(c.E)) - LogTan(Except(W, pole, 0.0), Except(root, pole, T), T)) * inverseB;
+  const Lanes lnT = (log(c.E) - LogTan(Except(W, pole, 0.0), Except(root, pole, T), T)) * inverseB;
   const Lanes phi = LatitudeOf(exp(Clamp(lnT, kLargestLnT)), c.e, c.latitude);
   const Lanes lambda = c.lambda0 - atan2(n, bu.cos) * inverseB;  // (9-48)
   const Lanes lambdaOrPole = Except(lambda, pole, c.lambda0);
-  return {c.A == 0.0 ? Splat(kNaN) : Except(lambdaOrPole, far, kNaN),
-          Except(phi, pole, WithSign(Splat(kHalfPi), W))};
+  return {c.A == 0.0 ? kNaN : Except(lambdaOrPole, far, kNaN), Except(phi, pole, WithSign(kHalfPi, W))};
 }
 
 }  // namespace ORV_ISA

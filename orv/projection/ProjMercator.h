@@ -40,7 +40,7 @@ inline constexpr double kMercatorTolerance = 1.1920928955078125e-6;
 inline constexpr int kMercatorSteps = 500;
 
 inline Point Forward(const Mercator& c, Point p) {
-  if (c.nowhere) return {Splat(kNaN), Splat(kNaN)};
+  if (c.nowhere) return {kNaN, kNaN};
   const Lanes x = c.a * c.k * (p.x - c.lon0);  // (7-1), (7-6)
   const Mask inside = c.sphere ? abs(p.y) < kMercatorLargestLatitude : abs(p.y) <= kMercatorLargestLatitude;
   const SinCos t = sincos(Except(p.y, !inside, 0.0));
@@ -58,7 +58,7 @@ inline Point Forward(const Mercator& c, Point p) {
 }
 
 inline Point Inverse(const Mercator& c, Point p) {
-  if (c.nowhere) return {Splat(kNaN), Splat(kNaN)};
+  if (c.nowhere) return {kNaN, kNaN};
   const double inverseRadius = 1.0 / (c.k * c.a);
   const Lanes lambda = p.x * inverseRadius + c.lon0;  // (7-5), (7-12): x / k / a + Lon0
   const Lanes q = p.y * inverseRadius;

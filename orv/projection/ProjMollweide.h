@@ -37,15 +37,16 @@ inline constexpr double kMollweideRim = 1e-9;
 /// u - sin u = pi (1 - sin phi) = 2 pi sin^2((pi/2 - phi)/2).
 inline SinCos MollweideTheta(Lanes phi) {
   const Mask near = phi > kMollweideNearPole;
-  const Lanes sine = sin(near ? 0.5 * (kHalfPi - phi) : phi);
-  const Lanes right = near ? (2.0 * kPi) * sine * sine : kPi * sine;
+  const Lanes sine = sin(Select(near, 0.5 * (kHalfPi - phi), phi));
+  const Lanes right = Select(near, (2.0 * kPi) * sine * sine, kPi * sine);
   // Within 1e-6: polynomials fitted to the solution (tools/generate/newton_starts.py); u^3/6 is the first term
   // of u - sin u.
-  const Lanes w = near ? pow(6.0 * right, 1.0 / 3) : phi, w2 = w * w;
-  const Lanes start = near ? w * Poly(w2, 0.99999974940745906, 0.016673033613370089, 0.0006978372494706289,
-                                      5.2115242292891259e-5)
-                           : w * Poly(w2, 1.5707967941452206, 0.061144150029127544, 0.011310042033730653,
-                                      0.0016364180975713659, 0.0015282719818796587);
+  const Lanes w = Select(near, pow(6.0 * right, 1.0 / 3), phi), w2 = w * w;
+  const Lanes start = Select(
+      near,
+      w * Poly(w2, 0.99999974940745906, 0.016673033613370089, 0.0006978372494706289, 5.2115242292891259e-5),
+      w * Poly(w2, 1.5707967941452206, 0.061144150029127544, 0.011310042033730653, 0.0016364180975713659,
+               0.0015282719818796587));
   const Lanes v = Newton(start, kNewtonRelative, [&](Lanes t) {  // (31-4)
     const SinCos h = sincos(0.5 * t);
     const Lanes z = t * t;
@@ -55,12 +56,12 @@ inline SinCos MollweideTheta(Lanes phi) {
         Poly(z, 1.0 / 6, -0.008333333333333333, 0.0001984126984126984, -2.7557319223985893e-06,
              2.505210838544172e-08, -1.6059043836821613e-10, 7.647163731819816e-13, -2.8114572543455206e-15,
              8.22063524662433e-18, -1.9572941063391263e-20);
-    const Lanes left = near ? series : t + 2.0 * h.sin * h.cos;
-    const Lanes slope = 2.0 * Square(near ? h.sin : h.cos);  // 1 - cos u, or 1 + cos theta'
+    const Lanes left = Select(near, series, t + 2.0 * h.sin * h.cos);
+    const Lanes slope = 2.0 * Square(Select(near, h.sin, h.cos));  // 1 - cos u, or 1 + cos theta'
     return (right - left) / Except(slope, slope == 0.0, 1.0);
   });
   const SinCos h = sincos(0.5 * v);  // (31-5): theta = theta'/2
-  return {near ? h.cos : h.sin, near ? h.sin : h.cos};
+  return {Select(near, h.cos, h.sin), Select(near, h.sin, h.cos)};
 }
 
 inline Point Forward(const Mollweide& c, Point p) {

@@ -34,7 +34,7 @@ inline Point Forward(const ObliqueMercator& c, Point p) {
   const Lanes root = sqrt(n * n + m * m);  // sqrt(1 - A^2), without its cancellation
   const Mask fit = inside & (root > 0.0);
   const Lanes y = c.rk * LogTan(Except(A, !fit, 0.0), Except(root, !fit, 1.0),
-                                Splat(1.0));  // (9-4): (Rk/2) ln((1+A)/(1-A))
+                                1.0);  // (9-4): (Rk/2) ln((1+A)/(1-A))
   return {x, Except(y, !fit, kNaN)};
 }
 
@@ -52,8 +52,7 @@ inline Point Inverse(const ObliqueMercator& c, Point p) {
   const Lanes lambda = c.lon0 + atan2(n, x.cos);  // (9-10)
   const Mask pole = root <= kAtPole * y.cosh;
   const Lanes lambdaOrPole = Except(lambda, pole, c.lon0);
-  return {c.rk == 0.0 ? Splat(kNaN) : Except(lambdaOrPole, far, kNaN),
-          Except(phi, pole, WithSign(Splat(kHalfPi), s))};
+  return {c.rk == 0.0 ? kNaN : Except(lambdaOrPole, far, kNaN), Except(phi, pole, WithSign(kHalfPi, s))};
 }
 
 }  // namespace ORV_ISA

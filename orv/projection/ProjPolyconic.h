@@ -83,7 +83,7 @@ inline PolyconicSearch BeginInverse(const Polyconic& c, Point p) {
   const Lanes x = Except(at.x, at.far, 0.0), A = Except(abs(at.A), at.far | at.equator, 1.0);
   const Lanes start = A / (1.0 + 0.5 * (x * x));  // the root for small latitudes
   const Mask active = start == start;
-  return {x, A, start < kHalfPi ? start : Splat(kHalfPi), Splat(kPolyconicLowest), Splat(kHalfPi), active};
+  return {x, A, Select(start < kHalfPi, start, kHalfPi), kPolyconicLowest, kHalfPi, active};
 }
 
 inline void StepInverse(const Polyconic& c, PolyconicSearch& s) {
@@ -96,13 +96,13 @@ inline void StepInverse(const Polyconic& c, PolyconicSearch& s) {
   const Lanes M1 = (1.0 - c.e2) / (w2 * w);  // (18-17)
   // and its denominator, where C M' - 2/sin 2 phi is -cot phi/(1 - e2 sin^2 phi)
   const Lanes slope = (0.5 * c.e2) * Square(f.cos) * r2 / w - d * f.cos / (f.sin * w2) - M1;
-  s.low = g > 0.0 ? s.phi : s.low;
-  s.high = g > 0.0 ? s.high : s.phi;
+  s.low = Select(g > 0.0, s.phi, s.low);
+  s.high = Select(g > 0.0, s.high, s.phi);
   const Lanes newton = s.phi - g / Except(slope, slope == 0.0, 1.0);
   const Mask enclosed = (newton >= s.low) & (newton <= s.high);
-  const Lanes next = enclosed ? newton : 0.5 * (s.low + s.high);
+  const Lanes next = Select(enclosed, newton, 0.5 * (s.low + s.high));
   const Mask moving = abs(next - s.phi) > kPolyconicTolerance;
-  s.phi = s.active ? next : s.phi;
+  s.phi = Select(s.active, next, s.phi);
   s.active = s.active & moving;
 }
 

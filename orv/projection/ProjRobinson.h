@@ -38,10 +38,10 @@ inline Ints RobinsonIndex(Lanes i) { return BitsOf(i + 0x1p52) & 0xffff; }
 
 /// The row of w = |phi| in steps of 5 degrees: floor(w), at most 17.
 inline Lanes RobinsonRow(Lanes w) {
-  const Lanes inside = w < 18.0 ? w : Splat(kRobinsonIntervals - 1.0);
+  const Lanes inside = Select(w < 18.0, w, kRobinsonIntervals - 1.0);
   Ints unused;
   const Lanes nearest = Round(inside, unused);
-  return nearest > inside ? nearest - 1.0 : nearest;
+  return Select(nearest > inside, nearest - 1.0, nearest);
 }
 
 struct Cubic {
@@ -62,7 +62,7 @@ inline Point Forward(const Robinson& c, Point p) {
   const Lanes X = ValueOf(RobinsonCubic(kRobinsonLength, row), d);
   const Lanes Y = ValueOf(RobinsonCubic(kRobinsonDistance, row), d);
   const Lanes y = Y * kRobinsonY * c.a;
-  return {X * kRobinsonX * p.x * c.a, p.y < 0.0 ? -y : y};
+  return {X * kRobinsonX * p.x * c.a, Select(p.y < 0.0, -y, y)};
 }
 
 inline Point Inverse(const Robinson& c, Point p) {
@@ -70,9 +70,9 @@ inline Point Inverse(const Robinson& c, Point p) {
   const Mask outside = Y0 > 1.0 + kRobinsonRim;
   const Lanes Y = Except(Y0, outside, 0.0);
   // the row whose c0 is the last that Y has reached, at most 17
-  Lanes i = Splat(0.0);
+  Lanes i = 0.0;
   for (int r = 1; r < kRobinsonIntervals; ++r) {
-    i += Y >= static_cast<double>(kRobinsonDistance[r][0]) ? Splat(1.0) : Splat(0.0);
+    i += Select(Y >= static_cast<double>(kRobinsonDistance[r][0]), 1.0, 0.0);
   }
   const Ints row = RobinsonIndex(i);
   const Cubic t = RobinsonCubic(kRobinsonDistance, row);

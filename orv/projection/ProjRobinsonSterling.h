@@ -51,8 +51,8 @@ inline Point Inverse(const RobinsonSterling& c, Point p) {
   const Lanes Y0 = abs(p.y) * (1.0 / (kSterlingY * c.a));
   const Mask outside = Y0 > 1.0 + kSterlingRim;
   const Lanes Y = Clamp(Except(Y0, outside, 0.0), 1.0);
-  Lanes i = Splat(0.0);
-  for (int r = 1; r < kRobinsonIntervals; ++r) i += Y >= c.y0[r] ? Splat(1.0) : Splat(0.0);
+  Lanes i = 0.0;
+  for (int r = 1; r < kRobinsonIntervals; ++r) i += Select(Y >= c.y0[r], 1.0, 0.0);
   const Ints row = RobinsonIndex(i);
   // y2 p^2 + y1 p + (y0 - Y) = 0, the root that is 0 at the node; y1 is positive
   const Lanes q = Gather(c.y2, row), b = Gather(c.y1, row), k = Gather(c.y0, row) - Y;

@@ -42,7 +42,7 @@ inline Point Inverse(const Sinusoidal& c, Point p) {
     phi0 = FootpointLatitude(c.arc, Clamp(mu, kSinusoidalLargestMu));  // (3-26)
   }
   const SinCos f = sincos(Clamp(phi0, kHalfPi));
-  const Lanes w = c.sphere ? Splat(1.0) : sqrt(1.0 - c.e2 * Square(f.sin));
+  const Lanes w = c.sphere ? 1.0 : sqrt(1.0 - c.e2 * Square(f.sin));
   const Mask pole = abs(f.cos) <= kAtPole;
   const Lanes lambda = c.lon0 + p.x * w / (c.a * Except(f.cos, pole, 1.0));  // (30-7), (30-11)
   return {Except(lambda, pole, c.lon0), LatitudeOrNaN(phi0)};

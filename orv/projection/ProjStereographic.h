@@ -52,12 +52,12 @@ inline Point Inverse(const Stereographic& c, Point p) {
   const Lanes x = Clamp(p.x * half, kFarthestRadii), y = Clamp(p.y * half, kFarthestRadii);
   // q = tan(c/2) (21-15), (21-38): sin c = 2 q/(1 + q^2), cos c = (1 - q^2)/(1 + q^2)
   const Direction d = DirectionOf(c.centre, 2.0 * x, 2.0 * y, 1.0 - (x * x + y * y));
-  const Lanes lambda = c.radius == 0.0 ? Splat(kNaN) : d.lambda;
+  const Lanes lambda = c.radius == 0.0 ? kNaN : d.lambda;
   if (c.sphere) return {lambda, LatitudeAt(c.centre, d)};
   const Lanes s = abs(d.s);
   const Lanes t = d.root / (sqrt(d.s * d.s + d.root * d.root) + s);  // tan(pi/4 - |chi|/2)
   const Lanes phi = FlipSign(LatitudeOf(t, c.e, c.latitude), d.s);
-  const Lanes phiOrPole = Except(phi, d.pole, WithSign(Splat(kHalfPi), d.s));
+  const Lanes phiOrPole = Except(phi, d.pole, WithSign(kHalfPi, d.s));
   return {lambda, Except(phiOrPole, d.centre, c.centre.lat0)};
 }
 

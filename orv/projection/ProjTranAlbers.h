@@ -57,7 +57,7 @@ inline Lanes SineOfQ(const Albers& c, Lanes q, Mask& active) {
   active = s == s;
   for (int i = 0; i < kAlbersSteps && Any(active); ++i) {
     const Lanes step = (q - AuthalicQ(c, s)) * (k * Square(1.0 - e2 * (s * s)));
-    s = active ? Clamp(s + step, 1.0) : s;
+    s = Select(active, Clamp(s + step, 1.0), s);
     active = active & (abs(step) > kAlbersTolerance);
   }
   return s;

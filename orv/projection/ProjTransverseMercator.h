@@ -48,7 +48,7 @@ inline Point TmForwardSphere(const TransverseMercator& c, Point p) {
   const Lanes n = f.sin, m = f.cos * l.cos;
   const Lanes root = sqrt(n * n + m * m);  // sqrt(1 - B^2), without its cancellation
   // (8-1): (a K0/2) ln((1 + B)/(1 - B))
-  const Lanes x = c.a * c.k0 * LogTan(Except(b, marked, 0.0), Except(root, marked, 1.0), Splat(1.0));
+  const Lanes x = c.a * c.k0 * LogTan(Except(b, marked, 0.0), Except(root, marked, 1.0), 1.0);
   // (8-3): atan2(tan phi, cos L), both times cos phi, which is positive
   const Lanes y = c.a * c.k0 * (atan2(n, m) - c.lat0);
   return {Except(x, marked, kNaN), y};
@@ -65,8 +65,7 @@ inline Point TmInverseSphere(const TransverseMercator& c, Point p) {
   const Lanes phi = atan2(d.sin, root);
   const Lanes lambda = c.lon0 + atan2(sh, d.cos);  // (8-7)
   const Mask pole = root <= kAtPole;
-  return {Except(Except(lambda, pole, c.lon0), far, kNaN),
-          Except(phi, pole, WithSign(Splat(kHalfPi), d.sin))};
+  return {Except(Except(lambda, pole, c.lon0), far, kNaN), Except(phi, pole, WithSign(kHalfPi, d.sin))};
 }
 
 // ---- ellipsoid -------------------------------------------------------------------------------------------
@@ -117,7 +116,7 @@ inline Point TmInverseEllipsoid(const TransverseMercator& c, Point p) {
   const Lanes lambda3 = (1.0 + 2.0 * T + C) * (1.0 / 6);
   const Lanes lambda = c.lon0 + D * (1.0 - D2 * (lambda3 - D2 * lambda5)) * secant;  // (8-18)
   if (!Any(pole | wild)) return {lambda, phi};
-  return {pole ? Splat(c.lon0) : (wild ? Splat(kNaN) : lambda), pole ? WithSign(Splat(kHalfPi), mu0) : phi};
+  return {Select(pole, c.lon0, Select(wild, kNaN, lambda)), Select(pole, WithSign(kHalfPi, mu0), phi)};
 }
 
 // ---- both ------------------------------------------------------------------------------------------------
@@ -128,12 +127,12 @@ inline Point Forward(const TransverseMercator& c, Point p) {
 
 inline Point Inverse(const TransverseMercator& c, Point p) {
   const Point q = c.sphere ? TmInverseSphere(c, p) : TmInverseEllipsoid<false>(c, p);
-  return {c.k0 == 0.0 ? Splat(kNaN) : q.x, q.y};
+  return {c.k0 == 0.0 ? kNaN : q.x, q.y};
 }
 
 inline Point InverseUtm(const TransverseMercator& c, Point p) {
   const Point q = c.sphere ? TmInverseSphere(c, p) : TmInverseEllipsoid<true>(c, p);
-  return {c.k0 == 0.0 ? Splat(kNaN) : q.x, c.sphere ? q.y : LatitudeOrNaN(q.y)};
+  return {c.k0 == 0.0 ? kNaN : q.x, c.sphere ? q.y : LatitudeOrNaN(q.y)};
 }
 
 }  // namespace ORV_ISA

@@ -82,7 +82,7 @@ inline Point Inverse(const VanDerGrinten& c, Point point) {
   const Lanes k3 = Y * (2.0 * Y * k1 + 1.0 + 2.0 * Y2 + r2 * r2);  // (29-13): |Y| c3
   // From 1/2 Newton's steps go up to the root, each less than half the last one, until round-off breaks that:
   // a lane stops there, or where it no longer moves.
-  Lanes t = Splat(0.5), last = Splat(1.0);
+  Lanes t = 0.5, last = 1.0;
   Mask active = t == t;
   for (int i = 0; i < kVanDerGrintenSteps && Any(active); ++i) {
     const Lanes value = ((k3 * t + k2) * t - k1) * t + 1.0;
@@ -91,12 +91,12 @@ inline Point Inverse(const VanDerGrinten& c, Point point) {
     const Lanes step = value / Opaque(Except(fall, !active, 1.0));
     active = active & (step > kVanDerGrintenTolerance) & (step < last);
     last = step;
-    t = active ? t + step : t;
+    t = Select(active, t + step, t);
   }
   const Lanes phi = Clamp(kPi * Y * t, kHalfPi);
   // (29-19), with 1 + 2 (X^2 - Y^2) + (X^2 + Y^2)^2 = w^2 + 4 X^2; at X = 0 it gives (29-20)
   const Lanes w0 = 1.0 - r2;
-  const Lanes w = w0 < 0.0 ? Splat(0.0) : w0;
+  const Lanes w = Select(w0 < 0.0, 0.0, w0);
   const Lanes under = w + sqrt(w * w + 4.0 * X2);
   const Lanes lambda = c.lon0 + 2.0 * kPi * X / Opaque(Except(under, under == 0.0, 1.0));
   return {lambda, Except(FlipSign(phi, point.y), outside, kNaN)};

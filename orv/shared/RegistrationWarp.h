@@ -78,16 +78,16 @@ inline Point Interpolate<5>(const RegistrationWarp& c, Lanes u, Lanes v) {
   const Point affine = {c.a[0] + c.a[1] * u + c.a[2] * v, c.b[0] + c.b[1] * u + c.b[2] * v};
   if (c.count == 0) return affine;
   Lanes nearest = SquaredDistance(c.nodes[0], u, v);
-  Lanes atX = Splat(c.nodes[0].wX), atY = Splat(c.nodes[0].wY);  // residuals of the nearest node
+  Lanes atX = c.nodes[0].wX, atY = c.nodes[0].wY;  // residuals of the nearest node
   for (const RegistrationNode* node = c.nodes + 1; node != c.nodes + c.count; ++node) {
     const Lanes r2 = SquaredDistance(*node, u, v);
     const Mask nearer = r2 < nearest;
-    nearest = nearer ? r2 : nearest;
-    atX = nearer ? Splat(node->wX) : atX;
-    atY = nearer ? Splat(node->wY) : atY;
+    nearest = Select(nearer, r2, nearest);
+    atX = Select(nearer, node->wX, atX);
+    atY = Select(nearer, node->wY, atY);
   }
   const Mask on = nearest == 0.0;
-  Lanes sum = Splat(0.0), sumX = Splat(0.0), sumY = Splat(0.0);
+  Lanes sum = 0.0, sumX = 0.0, sumY = 0.0;
   for (const RegistrationNode* node = c.nodes; node != c.nodes + c.count; ++node) {
     const Lanes weight = nearest / Except(SquaredDistance(*node, u, v), on, 1.0);
     sum = sum + weight;

@@ -21,9 +21,9 @@ namespace ORV_ISA {
 template <int kOrder>
 inline Point Forward(const WarpOrder3<kOrder>& c, Point p) {
   const Lanes x = p.x, y = p.y;
-  const Lanes t[] = {Splat(1.0), x,         y,        kOrder == 0 ? x * y : x * x, x * y, y * y, x * x * x,
-                     x * x * y,  x * y * y, y * y * y};
-  Point sum = {Splat(0.0), Splat(0.0)};
+  const Lanes t[] = {1.0,       x,         y,        kOrder == 0 ? x * y : x * x, x * y, y * y, x * x * x,
+                     x * x * y, x * y * y, y * y * y};
+  Point sum = {0.0, 0.0};
   for (std::size_t j = 0; j < WarpOrder3<kOrder>::kTerms; ++j) {
     sum.x = sum.x + c.e[j] * t[j];
     sum.y = sum.y + c.n[j] * t[j];

@@ -578,9 +578,10 @@ TEST(Lanes, WrapLongitudesRemembersWhatUnwrapLongitudesAddsBack) {
 
 TEST(Blocks, EveryPointIsSeenOnceInWholeGroups) {
   KernelTable best{}, few{};  // only their lanes matter here
-  for (best.lanes = 1; best.lanes <= 8; best.lanes *= 2) {
+  for (best.lanes = 1; best.lanes <= 16; best.lanes *= 2) {
     for (few.lanes = 1; few.lanes <= best.lanes; few.lanes *= 2) {
-      for (const std::size_t n : {0u, 1u, 2u, 3u, 5u, 7u, 8u, 9u, 15u, 511u, 512u, 513u, 1024u, 1030u}) {
+      for (const std::size_t n :
+           {0u, 1u, 2u, 3u, 5u, 7u, 8u, 9u, 15u, 16u, 17u, 31u, 511u, 512u, 513u, 1024u, 1030u}) {
         std::vector<Pt> points(n);
         for (std::size_t i = 0; i < n; ++i) points[i] = {static_cast<double>(i), 1};
         std::size_t seen = 0, calls = 0;
@@ -610,19 +611,23 @@ TEST(Blocks, EveryPointIsSeenOnceInWholeGroups) {
   }
 }
 
-// Names the sets of one process: that of many points, then those of one to five.
+// Names the sets of one process: that of many points, then those of one to nine.
 void PrintSets(const char* wanted) {
   setenv("ORV_ISA", wanted, 1);
   std::fputs(orv::lanes::Kernels().isa, stderr);
-  for (std::size_t n = 1; n <= 5; ++n) std::fprintf(stderr, " %s", orv::lanes::KernelsFor(n).isa);
+  for (std::size_t n = 1; n <= 9; ++n) std::fprintf(stderr, " %s", orv::lanes::KernelsFor(n).isa);
   std::exit(0);
 }
 
-std::string SetsUpTo(std::size_t index) {
-  const std::string best = Sets()[index]->isa;
-  std::string few = best;  // of two to four points
-  while (index > 0 && Sets()[index]->lanes > 4) few = Sets()[--index]->isa;
-  return "^" + best + " one " + few + " " + few + " " + few + " " + best + "$";
+// The set of index `best`, and for few points the one whose lanes they fill, where there is one below it.
+std::string SetsUpTo(std::size_t best) {
+  std::string names = std::string("^") + Sets()[best]->isa;
+  for (std::size_t n = 1; n <= 9; ++n) {
+    std::size_t fit = 0;
+    while (fit < best && (n > 8 || Sets()[fit]->lanes < n)) ++fit;
+    names += std::string(" ") + Sets()[fit]->isa;
+  }
+  return names + "$";
 }
 
 TEST(Dispatch, TheChoiceCanBeLimitedInOneProcess) {
@@ -630,10 +635,12 @@ TEST(Dispatch, TheChoiceCanBeLimitedInOneProcess) {
   for (const KernelTable* set : Sets()) {
     orv::lanes::LimitKernels(set->isa);
     EXPECT_EQ(&orv::lanes::Kernels(), set);
-    EXPECT_EQ(&orv::lanes::KernelsFor(5), set);
+    EXPECT_EQ(&orv::lanes::KernelsFor(9), set);
     EXPECT_EQ(orv::lanes::KernelsFor(1).lanes, 1u);
     for (std::size_t n = 2; n <= 4; ++n)
       EXPECT_LE(orv::lanes::KernelsFor(n).lanes, std::min<std::size_t>(set->lanes, 4));
+    for (std::size_t n = 5; n <= 8; ++n)
+      EXPECT_LE(orv::lanes::KernelsFor(n).lanes, std::min<std::size_t>(set->lanes, 8));
   }
   orv::lanes::LimitKernels("nonsense");
   EXPECT_EQ(&orv::lanes::Kernels(), Sets().back());
