@@ -14,24 +14,6 @@ namespace orv {
 
 namespace {
 
-/// Marks what is not finite and brings the other points into range; true when any point is marked.
-///
-/// @param offsets  receives what each longitude has to be given back.
-bool Enter(const lanes::KernelTable& kernels, double* xy, size_t count, double* offsets) {
-  const bool marked = kernels.checkMarks(xy, count);
-  kernels.normalisePoints(xy, count);
-  kernels.wrapLongitudes(xy, count, offsets);
-  return marked;
-}
-
-/// Marks what has become not finite and gives the longitudes back what Enter took; true when any point is
-/// marked.
-bool Leave(const lanes::KernelTable& kernels, double* xy, size_t count, const double* offsets) {
-  const bool marked = kernels.checkMarks(xy, count);
-  kernels.unwrapLongitudes(xy, count, offsets);
-  return marked;
-}
-
 bool SetDatum(DatumDef& held, const DatumDef* datum) {
   DatumDef copy;
   if (datum) copy = *datum;  // it may be the one that is held
@@ -126,9 +108,9 @@ void DatumConverter::Convert(shr::Vec2d* points, size_t count) {
   // steps in front of it take them.
   double offsets[lanes::kBlockPoints];
   const auto convert = [&](const lanes::KernelTable& kernels, double* block, size_t n) {
-    if (Enter(kernels, block, n, offsets)) m_bHadUnplottables = true;
+    if (kernels.beforeShift(block, n, offsets)) m_bHadUnplottables = true;
     for (size_t step = 0; step < steps; ++step) m_Route[step].ready->Run(block, n);
-    if (!failure && Leave(kernels, block, n, offsets)) m_bHadUnplottables = true;
+    if (!failure && kernels.afterShift(block, n, offsets)) m_bHadUnplottables = true;
   };
   lanes::ForEachBlock(count > 0 ? &points->x : nullptr, count, convert);
   if (failure) ORV_FAIL(ErrDatumMethod, "%s", failure);

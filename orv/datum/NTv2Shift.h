@@ -154,14 +154,13 @@ inline void EachGrid(const NTv2Set& set, Point p, const NTv2Cells*& last, F f) {
     if (!Any(!inside)) return f(*last, inside);
   }
   double x[kLanes], y[kLanes];
-  __builtin_memcpy(x, &p.x, sizeof x);
-  __builtin_memcpy(y, &p.y, sizeof y);
+  StoreLanes(x, p.x);
+  StoreLanes(y, p.y);
   double grids[kLanes];  // indices
   for (std::size_t k = 0; k < kLanes; ++k) {
     grids[k] = static_cast<double>(GridOf(set, x[k], y[k]));
   }
-  Lanes chosen;
-  __builtin_memcpy(&chosen, grids, sizeof chosen);
+  const Lanes chosen = LoadLanes(grids);
   last = nullptr;
   for (std::size_t k = 0; k < kLanes; ++k) {
     if (grids[k] < 0.0) continue;

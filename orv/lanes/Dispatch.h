@@ -81,39 +81,44 @@ using WarpKernel = void (*)(const W&, double* xy, std::size_t n);
 /// All kernels of one instruction set.
 struct KernelTable {
   const char* isa;    ///< "one", "sse2", "avx2", "avx512", "neon"
-  std::size_t lanes;  ///< points worked on at once: 1, 2, 4 or 8
+  std::size_t lanes;  ///< points worked on at once: 1, 4, 8 or 16
 
-  // ---- passes of the projector ---------------------------------------------------------------------------
+  // ---- passes --------------------------------------------------------------------------------------------
+  //
+  // A marker is left alone by all of them.
 
   /// A point with a NaN or infinite coordinate gets the marker in both.  True when any point got it so or
   /// held the marker in either coordinate before (a point half marked stays half marked).
   bool (*checkMarks)(double* xy, std::size_t n);
 
-  /// Coordinate by coordinate: x = fmod(x, 360), which keeps the sign; y = fmod(y, 180) and then folded into
-  /// [-90, 90]: 180 - y above 90, -180 - y below -90.  A marker stays; a NaN or infinite coordinate alone
-  /// becomes the marker.
-  void (*normaliseCoordinates)(double* xy, std::size_t n);
+  void (*toRadians)(double* xy, std::size_t n);           ///< v * kPi / 180.0
+  void (*multiply)(double* xy, std::size_t n, double k);  ///< v * k
 
-  void (*toRadians)(double* xy, std::size_t n);  ///< v * kPi / 180.0, each coordinate that is not the marker
-  void (*toDegrees)(double* xy, std::size_t n);  ///< v * 180.0 / kPi, each coordinate that is not the marker
+  // ---- passes of the projector ---------------------------------------------------------------------------
 
-  // Each coordinate that is not the marker.
-  void (*addOrigin)(double* xy, std::size_t n, double dx, double dy);       ///< x + dx, y + dy
-  void (*subtractOrigin)(double* xy, std::size_t n, double dx, double dy);  ///< x - dx, y - dy
-  void (*multiply)(double* xy, std::size_t n, double k);                    ///< v * k
-  void (*divide)(double* xy, std::size_t n, double k);                      ///< v / k
+  /// Degrees to what an engine takes.  Coordinate by coordinate: x = fmod(x, 360), which keeps the sign; y = fmod(y, 180)
+  /// and then folded into [-90, 90]: 180 - y above 90, -180 - y below -90.  A NaN or infinite coordinate alone becomes
+  /// the marker.  Then v * kPi / 180.0.
+  void (*beforeForward)(double* xy, std::size_t n);
+
+  /// What an engine gave, to the map: checkMarks, then v + (dx, dy), where that is not (0, 0), then v * k.
+  bool (*afterForward)(double* xy, std::size_t n, double dx, double dy, double k);
+
+  /// The map to what an engine takes: checkMarks, then v / k, then v - (dx, dy), where that is not (0, 0).
+  bool (*beforeInverse)(double* xy, std::size_t n, double k, double dx, double dy);
+
+  /// What an engine gave, to degrees: checkMarks, then v * 180.0 / kPi, then into range as beforeForward.
+  bool (*afterInverse)(double* xy, std::size_t n);
 
   // ---- passes of the datum converter ---------------------------------------------------------------------
 
-  /// As normaliseCoordinates, but a point with the marker in either coordinate is skipped whole.
-  void (*normalisePoints)(double* xy, std::size_t n);
-
-  /// x in [-360, -180) goes up by 360 and its offset becomes -360; x in (180, 360] goes down by 360 and its
+  /// checkMarks, then degrees into range as beforeForward, but a point with the marker in either coordinate is skipped
+  /// whole.  Then x in [-360, -180) goes up by 360 and its offset becomes -360; x in (180, 360] goes down by 360 and its
   /// offset becomes +360; every other offset, those of marked points included, becomes 0.
-  void (*wrapLongitudes)(double* xy, std::size_t n, double* offsets);
+  bool (*beforeShift)(double* xy, std::size_t n, double* offsets);
 
-  /// Adds its offset to the x of every point without a marker.
-  void (*unwrapLongitudes)(double* xy, std::size_t n, const double* offsets);
+  /// checkMarks, then adds its offset to the x of every point without a marker.
+  bool (*afterShift)(double* xy, std::size_t n, const double* offsets);
 
   // ---- projections ---------------------------------------------------------------------------------------
 

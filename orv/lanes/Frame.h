@@ -136,11 +136,12 @@ inline Point NormalisePoints(Point p) {
 /// x / d, correctly rounded, for a constant d that is neither tiny nor huge; `inverse` is 1 / d rounded.
 ///
 /// With fused multiply-add: the quotient by the reciprocal, and one correction by its exact remainder.  That
-/// is the correctly rounded quotient [Mar90], hence the bits of the division, in a third of the time.  The
-/// remainder must not underflow, and a zero must keep its sign: then the division itself.
+/// is the correctly rounded quotient [Mar90], hence the bits of the division, in a third of the time.  Where the
+/// remainder might underflow, for zeros, which must keep their sign, for NaN and infinity: the division itself.
 inline Lanes DivideByConstant(Lanes x, double d, double inverse) {
 #if ORV_LANES_X86 && ORV_LANES > 4 && defined(__FMA__)
-  if (Any(abs(x) < 1e-280)) return x / d;
+  const Ints magnitude = BitsOf(abs(x));
+  if (AnyNegative((magnitude - BitsOf(Lanes(1e-280))) | (BitsOf(Lanes(1e300)) - magnitude))) return x / d;
   return OfEach(x, [d, inverse](Register r) {
     const Register q = r * inverse;
 #if ORV_LANES == 8
@@ -163,83 +164,177 @@ inline Lanes ToRadians(Lanes degrees) { return DivideByConstant(degrees * kPi, 1
 inline Lanes ToDegrees(Lanes radians) { return DivideByConstant(radians * 180.0, kPi, 1.0 / kPi); }
 
 // ---- passes, as Dispatch.h describes them ----------------------------------------------------------------
+//
+// Most of them do little to a point, and nothing out of the ordinary to most points.  So a group's coordinates are taken as
+// they lie in memory, x and y in turn; where all of them are usual, a few operations do the whole pass, and only where
+// one is not, the points are taken apart and every rule is applied.
+
+/// The coordinates of a group, as they lie in memory.
+struct InTurn {
+  Lanes a, b;
+};
+
+inline InTurn LoadInTurn(const double* xy) { return {LoadLanes(xy), LoadLanes(xy + kLanes)}; }
+inline void StoreInTurn(double* xy, Lanes a, Lanes b) {
+  StoreLanes(xy, a);
+  StoreLanes(xy + kLanes, b);
+}
+
+/// One number for every x, and one for every y.
+inline InTurn Alternating(double forX, double forY) {
+  double xy[2 * kLanes];
+  for (std::size_t i = 0; i < kLanes; ++i) {
+    xy[2 * i] = forX;
+    xy[2 * i + 1] = forY;
+  }
+  return LoadInTurn(xy);
+}
+
+/// Whether every coordinate has at most that magnitude.  A NaN has not, and raises no flag as a comparison would:
+/// magnitudes are ordered as their bits are.
+inline bool Within(InTurn s, InTurn most) {
+  return !AnyNegative((BitsOf(most.a) - BitsOf(abs(s.a))) | (BitsOf(most.b) - BitsOf(abs(s.b))));
+}
+
+/// Of results that are plainly no marker and not infinite, whatever an origin adds to them.
+inline constexpr double kUsualResult = 1e300;
+
+/// Points without NaN and infinities; `met` gets the marked ones.
+inline Point Checked(Point p, Mask& met) {
+  const Mask xFinite = IsFinite(p.x), yFinite = IsFinite(p.y);
+  const Mask bad = !(xFinite & yFinite);
+  met |= bad | Marked(p);
+  return {Except(p.x, bad, kMarker), Except(p.y, bad, kMarker)};
+}
+
+inline Point InRadians(Point p) {
+  return OnUnmarked(p, [](Point q) { return Point{ToRadians(q.x), ToRadians(q.y)}; });
+}
+inline Point InDegrees(Point p) {
+  return OnUnmarked(p, [](Point q) { return Point{ToDegrees(q.x), ToDegrees(q.y)}; });
+}
+inline Point Times(Point p, double k) {
+  return OnUnmarked(p, [k](Point q) { return Point{q.x * k, q.y * k}; });
+}
 
 ORV_KERNEL inline bool RunCheckMarks(double* xy, std::size_t n) {
-  Mask met = {};
-  Each(xy, n, [&met](Point p) {
-    const Mask xFinite = IsFinite(p.x), yFinite = IsFinite(p.y);
-    const Mask bad = !(xFinite & yFinite);
-    met |= bad | Marked(p);
-    return Point{Except(p.x, bad, kMarker), Except(p.y, bad, kMarker)};
+  Mask met = Mask();
+  Each(xy, n, [&met](Point p) { return Checked(p, met); });
+  return Any(met);
+}
+
+ORV_KERNEL inline void RunToRadians(double* xy, std::size_t n) { Each(xy, n, InRadians); }
+ORV_KERNEL inline void RunMultiply(double* xy, std::size_t n, double k) {
+  Each(xy, n, [k](Point p) { return Times(p, k); });
+}
+
+ORV_KERNEL inline void RunBeforeForward(double* xy, std::size_t n) {
+  const InTurn usual = Alternating(359.99999999999994, 90.0);  // that is the number below 360
+  EachGroup(xy, n, [usual](double* points, std::size_t) {
+    const InTurn s = LoadInTurn(points);
+    if (Within(s, usual)) return StoreInTurn(points, ToRadians(s.a), ToRadians(s.b));
+    Point p;
+    Load(points, p.x, p.y);
+    p = InRadians(NormaliseCoordinates(p));
+    Store(points, p.x, p.y);
+  });
+}
+
+ORV_KERNEL inline bool RunAfterForward(double* xy, std::size_t n, double dx, double dy, double k) {
+  if (dx == 0.0 && dy == 0.0) dx = dy = -0.0;  // which changes nothing, not even -0
+  const InTurn usual = Alternating(kUsualResult, kUsualResult), origin = Alternating(dx, dy);
+  Mask met = Mask();
+  EachGroup(xy, n, [=, &met](double* points, std::size_t) {
+    const InTurn s = LoadInTurn(points);
+    if (Within(s, usual)) return StoreInTurn(points, (s.a + origin.a) * k, (s.b + origin.b) * k);
+    Point p;
+    Load(points, p.x, p.y);
+    p = OnUnmarked(Checked(p, met), [=](Point q) { return Point{q.x + dx, q.y + dy}; });
+    p = Times(p, k);
+    Store(points, p.x, p.y);
   });
   return Any(met);
 }
 
-ORV_KERNEL inline void RunNormaliseCoordinates(double* xy, std::size_t n) {
-  Each(xy, n, [](Point p) { return NormaliseCoordinates(p); });
-}
-ORV_KERNEL inline void RunNormalisePoints(double* xy, std::size_t n) {
-  Each(xy, n, [](Point p) { return NormalisePoints(p); });
-}
-
-ORV_KERNEL inline void RunToRadians(double* xy, std::size_t n) {
-  const auto convert = [](Point p) { return Point{ToRadians(p.x), ToRadians(p.y)}; };
-  Each(xy, n, [&](Point p) { return OnUnmarked(p, convert); });
-}
-ORV_KERNEL inline void RunToDegrees(double* xy, std::size_t n) {
-  const auto convert = [](Point p) { return Point{ToDegrees(p.x), ToDegrees(p.y)}; };
-  Each(xy, n, [&](Point p) { return OnUnmarked(p, convert); });
-}
-
-ORV_KERNEL inline void RunAddOrigin(double* xy, std::size_t n, double dx, double dy) {
-  const auto add = [=](Point p) { return Point{p.x + dx, p.y + dy}; };
-  Each(xy, n, [&](Point p) { return OnUnmarked(p, add); });
-}
-ORV_KERNEL inline void RunSubtractOrigin(double* xy, std::size_t n, double dx, double dy) {
-  const auto subtract = [=](Point p) { return Point{p.x - dx, p.y - dy}; };
-  Each(xy, n, [&](Point p) { return OnUnmarked(p, subtract); });
-}
-ORV_KERNEL inline void RunMultiply(double* xy, std::size_t n, double k) {
-  const auto scale = [=](Point p) { return Point{p.x * k, p.y * k}; };
-  Each(xy, n, [&](Point p) { return OnUnmarked(p, scale); });
-}
-ORV_KERNEL inline void RunDivide(double* xy, std::size_t n, double k) {
-  const auto scale = [=](Point p) { return Point{p.x / k, p.y / k}; };
-  Each(xy, n, [&](Point p) { return OnUnmarked(p, scale); });
-}
-
-ORV_KERNEL inline void RunWrapLongitudes(double* xy, std::size_t n, double* offsets) {
-  EachGroup(xy, n, [=](double* points, std::size_t first) {
+ORV_KERNEL inline bool RunBeforeInverse(double* xy, std::size_t n, double k, double dx, double dy) {
+  if (dx == 0.0 && dy == 0.0) dx = dy = 0.0;  // which changes nothing; to subtract -0 would
+  const InTurn usual = Alternating(kUsualResult, kUsualResult), origin = Alternating(dx, dy);
+  const bool scales = k != 1.0;
+  Mask met = Mask();
+  EachGroup(xy, n, [=, &met](double* points, std::size_t) {
+    InTurn s = LoadInTurn(points);
+    if (Within(s, usual)) {
+      if (scales) s = {s.a / k, s.b / k};
+      return StoreInTurn(points, s.a - origin.a, s.b - origin.b);
+    }
     Point p;
     Load(points, p.x, p.y);
+    p = OnUnmarked(Checked(p, met), [=](Point q) { return Point{q.x / k, q.y / k}; });
+    p = OnUnmarked(p, [=](Point q) { return Point{q.x - dx, q.y - dy}; });
+    Store(points, p.x, p.y);
+  });
+  return Any(met);
+}
+
+ORV_KERNEL inline bool RunAfterInverse(double* xy, std::size_t n) {
+  const InTurn usual = Alternating(6.28, 1.57);  // radians: neither a whole turn nor beyond a pole
+  Mask met = Mask();
+  EachGroup(xy, n, [usual, &met](double* points, std::size_t) {
+    const InTurn s = LoadInTurn(points);
+    if (Within(s, usual)) return StoreInTurn(points, ToDegrees(s.a), ToDegrees(s.b));
+    Point p;
+    Load(points, p.x, p.y);
+    p = NormaliseCoordinates(InDegrees(Checked(p, met)));
+    Store(points, p.x, p.y);
+  });
+  return Any(met);
+}
+
+/// One number for each point of a group, of which there may be fewer than lanes.
+inline Lanes LoadOffsets(const double* offsets, std::size_t points) {
+  if (points >= kLanes) return LoadLanes(offsets);
+  double few[kLanes] = {};
+  for (std::size_t i = 0; i < points; ++i) few[i] = offsets[i];
+  return LoadLanes(few);
+}
+inline void StoreOffsets(double* offsets, std::size_t points, Lanes x) {
+  if (points >= kLanes) return StoreLanes(offsets, x);
+  double few[kLanes];
+  StoreLanes(few, x);
+  for (std::size_t i = 0; i < points; ++i) offsets[i] = few[i];
+}
+
+ORV_KERNEL inline bool RunBeforeShift(double* xy, std::size_t n, double* offsets) {
+  const InTurn usual = Alternating(180.0, 90.0);
+  Mask met = Mask();
+  EachGroup(xy, n, [=, &met](double* points, std::size_t first) {
+    if (Within(LoadInTurn(points), usual)) return StoreOffsets(offsets + first, n - first, 0.0);
+    Point p;
+    Load(points, p.x, p.y);
+    p = NormalisePoints(Checked(p, met));
     const Mask plottable = !Marked(p);
     const Mask up = plottable & (p.x >= -360.0) & (p.x < -180.0);
     const Mask down = plottable & (p.x > 180.0) & (p.x <= 360.0);
     const Lanes offset = Select(up, -360.0, Select(down, 360.0, 0.0));
-    Store(points, Select((up | down), p.x - offset, p.x), p.y);
-    double* const to = offsets + first;
-    if (n - first >= kLanes) {
-      __builtin_memcpy(to, &offset, sizeof offset);
-    } else {
-      __builtin_memcpy(to, &offset, (n - first) * sizeof(double));
-    }
+    Store(points, Select(up | down, p.x - offset, p.x), p.y);
+    StoreOffsets(offsets + first, n - first, offset);
   });
+  return Any(met);
 }
-ORV_KERNEL inline void RunUnwrapLongitudes(double* xy, std::size_t n, const double* offsets) {
-  EachGroup(xy, n, [=](double* points, std::size_t first) {
+ORV_KERNEL inline bool RunAfterShift(double* xy, std::size_t n, const double* offsets) {
+  const InTurn usual = Alternating(kUsualResult, kUsualResult);
+  Mask met = Mask();
+  EachGroup(xy, n, [=, &met](double* points, std::size_t first) {
+    const Lanes offset = LoadOffsets(offsets + first, n - first);
     Point p;
     Load(points, p.x, p.y);
-    const double* const from = offsets + first;
-    Lanes offset = 0.0;
-    if (n - first >= kLanes) {
-      __builtin_memcpy(&offset, from, sizeof offset);
-    } else {
-      __builtin_memcpy(&offset, from, (n - first) * sizeof(double));
-    }
+    if (Within({p.x, p.y}, usual)) return Store(points, p.x + offset, p.y);
+    p = Checked(p, met);
     const Mask skip = Marked(p);
     const Lanes x = Except(p.x, skip, 0.0) + offset;
     Store(points, Except(x, skip, p.x), p.y);
   });
+  return Any(met);
 }
 
 // The constants are copied, so that no store to a point can change them in the compiler's eyes, and what

@@ -52,9 +52,12 @@ using Bits = unsigned long long;
 using Mask = bool;
 
 inline bool Any(Mask m) { return m; }
+inline bool AnyNegative(Ints i) { return i < 0; }
 inline Lanes Select(Mask m, Lanes x, Lanes otherwise) { return m ? x : otherwise; }
 inline Ints BitsOf(Lanes x) { return __builtin_bit_cast(Ints, x); }
 inline Lanes FromBits(Ints i) { return __builtin_bit_cast(Lanes, i); }
+inline Lanes LoadLanes(const double* from) { return *from; }
+inline void StoreLanes(double* to, Lanes x) { *to = x; }
 inline void Load(const double* xy, Lanes& x, Lanes& y) {
   x = xy[0];
   y = xy[1];
@@ -115,8 +118,8 @@ using Ints = Twin<IntRegister>;
 using Bits = Twin<BitRegister>;
 using Mask = Ints;  // all bits of a lane, or none
 
-inline bool Any(Mask m) {
-  const IntRegister met = m.a | m.b;
+inline bool AnyNegative(Ints i) {
+  const IntRegister met = i.a | i.b;
 #if ORV_LANES_X86 && ORV_LANES == 4
   return _mm_movemask_pd(reinterpret_cast<__m128d>(met)) != 0;
 #elif ORV_LANES_X86 && ORV_LANES == 8
@@ -125,10 +128,11 @@ inline bool Any(Mask m) {
   return _mm512_movepi64_mask(reinterpret_cast<__m512i>(met)) != 0;
 #else
   auto all = met[0];
-  for (std::size_t i = 1; i < kRegisterLanes; ++i) all |= met[i];
-  return all != 0;
+  for (std::size_t k = 1; k < kRegisterLanes; ++k) all |= met[k];
+  return all < 0;
 #endif
 }
+inline bool Any(Mask m) { return AnyNegative(m); }
 
 inline Lanes Select(Mask m, Lanes x, Lanes otherwise) {
   return {m.a ? x.a : otherwise.a, m.b ? x.b : otherwise.b};
@@ -155,6 +159,18 @@ inline Lanes FromBits(Ints i) { return Lanes(i); }
 #else
 #error "ORV_LANES is 1, 4, 8 or 16"
 #endif
+
+/// kLanes numbers as they lie.  (A copy of both registers at once would go through memory.)
+inline Lanes LoadLanes(const double* from) {
+  Lanes x;
+  __builtin_memcpy(&x.a, from, sizeof x.a);
+  __builtin_memcpy(&x.b, from + kRegisterLanes, sizeof x.b);
+  return x;
+}
+inline void StoreLanes(double* to, Lanes x) {
+  __builtin_memcpy(to, &x.a, sizeof x.a);
+  __builtin_memcpy(to + kRegisterLanes, &x.b, sizeof x.b);
+}
 
 inline void Load(const double* xy, Register& x, Register& y) {
   Register a, b;
@@ -332,7 +348,8 @@ inline void GatherPairs(const double* from, Ints i, Lanes& a, Lanes& b) {
   b = from[2 * i + 1];
 #else
   long long at[kLanes];
-  __builtin_memcpy(at, &i, sizeof at);
+  __builtin_memcpy(at, &i.a, sizeof i.a);
+  __builtin_memcpy(at + kRegisterLanes, &i.b, sizeof i.b);
   const double* pairs[kLanes];
   for (std::size_t k = 0; k < kLanes; ++k) pairs[k] = from + 2 * at[k];
   Deal(pairs, a.a, b.a);

@@ -95,13 +95,10 @@ void Projector::TransformForward(shr::Vec2d* points, size_t count) {
   FpFault() = false;
   internal::FpGuard guard;
   lanes::ForEachBlock(&points->x, count, [&](const lanes::KernelTable& passes, double* xy, size_t n) {
-    passes.normaliseCoordinates(xy, n);
-    passes.toRadians(xy, n);
+    passes.beforeForward(xy, n);
     if (!RunEngine(*m_pActor, &ProjActor::Forward, xy, n, guard, m_bHadUnplottables)) return;
-    if (passes.checkMarks(xy, n)) m_bHadUnplottables = true;
     // Deliberate: the false origin is added before the scale is applied.
-    if (xOrg != 0.0 || yOrg != 0.0) passes.addOrigin(xy, n, xOrg, yOrg);
-    if (scale != 1.0) passes.multiply(xy, n, scale);
+    if (passes.afterForward(xy, n, xOrg, yOrg, scale)) m_bHadUnplottables = true;
   });
 }
 
@@ -117,14 +114,13 @@ void Projector::TransformInverse(shr::Vec2d* points, size_t count) {
   FpFault() = false;
   internal::FpGuard guard;
   lanes::ForEachBlock(&points->x, count, [&](const lanes::KernelTable& passes, double* xy, size_t n) {
-    if (passes.checkMarks(xy, n)) m_bHadUnplottables = true;
-    if (!isProjected) return;
-    if (scale != 1.0) passes.divide(xy, n, scale);
-    if (xOrg != 0.0 || yOrg != 0.0) passes.subtractOrigin(xy, n, xOrg, yOrg);
+    if (!isProjected) {
+      if (passes.checkMarks(xy, n)) m_bHadUnplottables = true;
+      return;
+    }
+    if (passes.beforeInverse(xy, n, scale, xOrg, yOrg)) m_bHadUnplottables = true;
     if (!RunEngine(*m_pActor, &ProjActor::Inverse, xy, n, guard, m_bHadUnplottables)) return;
-    if (passes.checkMarks(xy, n)) m_bHadUnplottables = true;
-    passes.toDegrees(xy, n);
-    passes.normaliseCoordinates(xy, n);
+    if (passes.afterInverse(xy, n)) m_bHadUnplottables = true;
   });
 }
 

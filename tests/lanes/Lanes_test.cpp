@@ -7,6 +7,8 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
+#include <limits>
+#include <random>
 #include <sstream>
 #include <string>
 
@@ -40,6 +42,124 @@ struct Work {
   std::function<void(const KernelTable&, double*, std::size_t, std::vector<double>& extra)> run;
 };
 
+std::vector<Pt> OddPoints() {
+  const double right = 1.5707963267948966;
+  return {{kMarker, kMarker},  {kMarker, 0.5}, {0.5, kMarker}, {0, 0},          {-0.0, -0.0},
+          {right, 0},          {-right, 0},    {0.3, right},   {0.3, -right},   {0.3, 1.5707963267948961},
+          {-0.3, -1.57079632}, {3.2, 0.2},     {180, 90},      {-180, -90},     {180.5, 10},
+          {-180.5, 10},        {360, 45},      {-360, -45},    {370, 100},      {-725.5, -100},
+          {10, 271},           {0, 1e-300},    {1e-300, 0},    {5e5, 4e6},      {-5e5, 9.5e6},
+          {1e7, -1.1e7},       {3e7, 3e7},     {1e9, 1e9},     {-1e12, 1e12},   {1e15, -1e15},
+          {1e25, 5e6},         {5e5, 1e25},    {1e60, 1e60},   {-1e100, -1e100}};
+}
+
+// ---- the passes, and what each does to one point -------------------------------------------------------------
+
+bool IsOdd(double v) { return !(std::fabs(v) <= std::numeric_limits<double>::max()); }
+Pt Checked(Pt p, bool& met) {
+  if (IsOdd(p.x) || IsOdd(p.y)) p = {kMarker, kMarker};
+  met |= p.x == kMarker || p.y == kMarker;
+  return p;
+}
+template <class F>
+double Unless(double v, F f) {
+  return v == kMarker ? v : f(v);
+}
+template <class F>
+Pt OfBoth(Pt p, F f) {
+  return {Unless(p.x, f), Unless(p.y, f)};
+}
+double FoldedLatitude(double y) {
+  const double r = std::fmod(y, 180);
+  return r > 90 ? 180 - r : r < -90 ? -180 - r : r;
+}
+Pt InRange(Pt p) {
+  p = {IsOdd(p.x) ? kMarker : p.x, IsOdd(p.y) ? kMarker : p.y};
+  return {Unless(p.x, [](double v) { return std::fmod(v, 360); }), Unless(p.y, FoldedLatitude)};
+}
+double Radians(double v) { return v * kPi / 180.0; }
+double Degrees(double v) { return v * 180.0 / kPi; }
+Pt Plus(Pt p, double dx, double dy) {
+  if (dx == 0 && dy == 0) return p;
+  return {Unless(p.x, [=](double v) { return v + dx; }), Unless(p.y, [=](double v) { return v + dy; })};
+}
+
+// A pass of any set; `extra` gets what it returns beside the points, and has the offsets that it reads.  The rule says what
+// becomes of one point and its offset, and whether it was marked.
+struct Pass {
+  std::string name;
+  std::function<bool(const KernelTable&, double*, std::size_t, std::vector<double>& extra)> run;
+  std::function<Pt(Pt, double& offset, bool& met)> rule;
+};
+
+std::vector<Pass> Passes() {
+  std::vector<Pass> all;
+  all.push_back({"checkMarks",
+                 [](const auto& k, double* xy, std::size_t n, auto&) { return k.checkMarks(xy, n); },
+                 [](Pt p, double&, bool& met) { return Checked(p, met); }});
+  all.push_back({"toRadians",
+                 [](const auto& k, double* xy, std::size_t n, auto&) { return k.toRadians(xy, n), false; },
+                 [](Pt p, double&, bool&) { return OfBoth(p, Radians); }});
+  all.push_back(
+      {"multiply",
+       [](const auto& k, double* xy, std::size_t n, auto&) { return k.multiply(xy, n, 0.3048), false; },
+       [](Pt p, double&, bool&) { return OfBoth(p, [](double v) { return v * 0.3048; }); }});
+  all.push_back(
+      {"beforeForward",
+       [](const auto& k, double* xy, std::size_t n, auto&) { return k.beforeForward(xy, n), false; },
+       [](Pt p, double&, bool&) { return OfBoth(InRange(p), Radians); }});
+  struct Frame {
+    double dx, dy, k;
+  };
+  for (const Frame f :
+       {Frame{0.1, -7.3, 0.3048}, Frame{0, 0, 1}, Frame{-0.0, 0, 0.7}, Frame{5e5, 0, 1}, Frame{-0.0, 1, 1}}) {
+    char of[60];
+    std::snprintf(of, sizeof of, " (%g, %g) %g", f.dx, f.dy, f.k);
+    all.push_back({std::string("afterForward") + of,
+                   [f](const auto& k, double* xy, std::size_t n, auto&) {
+                     return k.afterForward(xy, n, f.dx, f.dy, f.k);
+                   },
+                   [f](Pt p, double&, bool& met) {
+                     return OfBoth(Plus(Checked(p, met), f.dx, f.dy), [f](double v) { return v * f.k; });
+                   }});
+    all.push_back({std::string("beforeInverse") + of,
+                   [f](const auto& k, double* xy, std::size_t n, auto&) {
+                     return k.beforeInverse(xy, n, f.k, f.dx, f.dy);
+                   },
+                   [f](Pt p, double&, bool& met) {
+                     p = OfBoth(Checked(p, met), [f](double v) { return v / f.k; });
+                     return f.dx == 0 && f.dy == 0 ? p : Plus(p, -f.dx, -f.dy);
+                   }});
+  }
+  all.push_back({"afterInverse",
+                 [](const auto& k, double* xy, std::size_t n, auto&) { return k.afterInverse(xy, n); },
+                 [](Pt p, double&, bool& met) { return InRange(OfBoth(Checked(p, met), Degrees)); }});
+  all.push_back({"beforeShift",
+                 [](const auto& k, double* xy, std::size_t n, auto& offsets) {
+                   offsets.resize(n);
+                   return k.beforeShift(xy, n, offsets.data());
+                 },
+                 [](Pt p, double& offset, bool& met) {
+                   p = Checked(p, met);
+                   offset = 0;
+                   if (p.x == kMarker || p.y == kMarker) return p;
+                   p = InRange(p);
+                   if (p.x >= -360 && p.x < -180) offset = -360;
+                   if (p.x > 180 && p.x <= 360) offset = 360;
+                   return offset == 0 ? p : Pt{p.x - offset, p.y};
+                 }});
+  all.push_back({"afterShift",
+                 [](const auto& k, double* xy, std::size_t n, auto& offsets) {
+                   offsets.resize(n, 360.0);
+                   return k.afterShift(xy, n, offsets.data());
+                 },
+                 [](Pt p, double& offset, bool& met) {
+                   p = Checked(p, met);
+                   return p.x == kMarker || p.y == kMarker ? p : Pt{p.x + offset, p.y};
+                 }});
+  return all;
+}
+
 template <class E>
 void AddEngine(std::vector<Work>& all, const std::string& name, const E& engine,
                orv::lanes::EngineKernels<E> KernelTable::*kernels, std::vector<Pt> geographic) {
@@ -59,12 +179,6 @@ void AddMethod(std::vector<Work>& all, const std::string& name, const D& method,
                    (k.*kernel)(method, xy, n);
                  }});
 }
-void AddPass(std::vector<Work>& all, const std::string& name, std::size_t count,
-             void (*KernelTable::*pass)(double*, std::size_t)) {
-  all.push_back({name, Box(count, -700, 700, -300, 300),
-                 [=](const KernelTable& k, double* xy, std::size_t n, auto&) { (k.*pass)(xy, n); }});
-}
-
 std::vector<Work> AllWork(std::size_t n = 1500) {
   std::vector<Work> all;
   const auto world = Box(n, -3.1, 3.1, -1.57, 1.57), zone = Box(n, -0.1, 0.12, -1.5, 1.5);
@@ -144,38 +258,12 @@ std::vector<Work> AllWork(std::size_t n = 1500) {
             &KernelTable::bursaWolf, degrees);
   AddMethod(all, "regression", MakeRegression(0.05235988), &KernelTable::regression,
             Box(n, -125, -66, 24, 50));
-  AddPass(all, "normaliseCoordinates", n, &KernelTable::normaliseCoordinates);
-  AddPass(all, "normalisePoints", n, &KernelTable::normalisePoints);
-  AddPass(all, "toRadians", n, &KernelTable::toRadians);
-  AddPass(all, "toDegrees", n, &KernelTable::toDegrees);
   const auto any = Box(n, -700, 700, -300, 300);
-  all.push_back(
-      {"checkMarks", any,
-       [](const KernelTable& k, double* xy, std::size_t m, std::vector<double>&) { k.checkMarks(xy, m); }});
-  all.push_back({"addOrigin", any, [](const KernelTable& k, double* xy, std::size_t m, auto&) {
-                   k.addOrigin(xy, m, 0.1, -7.3);
-                 }});
-  all.push_back({"subtractOrigin", any, [](const KernelTable& k, double* xy, std::size_t m, auto&) {
-                   k.subtractOrigin(xy, m, 0.1, -7.3);
-                 }});
-  all.push_back({"multiply", any,
-                 [](const KernelTable& k, double* xy, std::size_t m, auto&) { k.multiply(xy, m, 0.3048); }});
-  all.push_back({"divide", any,
-                 [](const KernelTable& k, double* xy, std::size_t m, auto&) { k.divide(xy, m, 0.3048); }});
-  const auto turned = Box(n, -360, 360, -90, 90);
-  all.push_back({"wrapLongitudes", turned,
-                 [](const KernelTable& k, double* xy, std::size_t m, std::vector<double>& extra) {
-                   extra.assign(m, -1);
-                   k.wrapLongitudes(xy, m, extra.data());
-                 }});
-  all.push_back({"unwrapLongitudes", turned,
-                 [](const KernelTable& k, double* xy, std::size_t m, std::vector<double>& extra) {
-                   extra.clear();
-                   for (std::size_t i = 0; i < m; ++i) {
-                     extra.push_back(360.0 * (std::floor(std::fmod(std::fabs(xy[2 * i]), 3)) - 1));
-                   }
-                   k.unwrapLongitudes(xy, m, extra.data());
-                 }});
+  for (const Pass& pass : Passes()) {
+    all.push_back({pass.name, any, [pass](const KernelTable& k, double* xy, std::size_t m, auto& extra) {
+                     pass.run(k, xy, m, extra);
+                   }});
+  }
   const auto pixels = Box(n, -500, 4500, -400, 3400);
   AddMethod(all, "warp offset", kWarpOffset, &KernelTable::warpOffset, pixels);
   AddMethod(all, "warp helmert", kWarpHelmert, &KernelTable::warpHelmert, pixels);
@@ -195,17 +283,6 @@ std::vector<Work> AllWork(std::size_t n = 1500) {
   AddEngine(all, "nadcon", kGridTables.Nadcon(), &KernelTable::nadcon, Box(n, -12, 12, 38, 56));
   AddEngine(all, "ntv2", kGridTables.NTv2(), &KernelTable::ntv2, Box(n, -0.3, 0.3, 0.45, 0.9));
   return all;
-}
-
-std::vector<Pt> OddPoints() {
-  const double right = 1.5707963267948966;
-  return {{kMarker, kMarker},  {kMarker, 0.5}, {0.5, kMarker}, {0, 0},          {-0.0, -0.0},
-          {right, 0},          {-right, 0},    {0.3, right},   {0.3, -right},   {0.3, 1.5707963267948961},
-          {-0.3, -1.57079632}, {3.2, 0.2},     {180, 90},      {-180, -90},     {180.5, 10},
-          {-180.5, 10},        {360, 45},      {-360, -45},    {370, 100},      {-725.5, -100},
-          {10, 271},           {0, 1e-300},    {1e-300, 0},    {5e5, 4e6},      {-5e5, 9.5e6},
-          {1e7, -1.1e7},       {3e7, 3e7},     {1e9, 1e9},     {-1e12, 1e12},   {1e15, -1e15},
-          {1e25, 5e6},         {5e5, 1e25},    {1e60, 1e60},   {-1e100, -1e100}};
 }
 
 bool SameBits(const std::vector<Pt>& a, const std::vector<Pt>& b) {
@@ -331,7 +408,7 @@ TEST(Lanes, NoPointDependsOnItsBatch) {
                                          << FirstDifference(points, got, want);
       };
       std::vector<std::size_t> sizes = {513};
-      for (std::size_t n = 1; n <= 20; ++n) sizes.push_back(n);
+      for (std::size_t n = 1; n <= 35; ++n) sizes.push_back(n);
       for (const std::size_t n : sizes) {
         std::vector<Pt> batch(points.begin(), points.begin() + static_cast<std::ptrdiff_t>(n));
         work.run(*set, Data(batch), n, extra);
@@ -347,12 +424,12 @@ TEST(Lanes, NoPointDependsOnItsBatch) {
 TEST(Lanes, NothingOutsideTheBatchIsTouched) {
   for (const Work& work : AllWork()) {
     for (const KernelTable* set : Sets()) {
-      for (std::size_t n = 0; n <= 17; ++n) {
-        std::vector<Pt> points(work.points.begin(), work.points.begin() + 24);
+      for (std::size_t n = 0; n <= 33; ++n) {
+        std::vector<Pt> points(work.points.begin(), work.points.begin() + 40);
         const auto before = points;
         std::vector<double> extra;
         work.run(*set, Data(points), n, extra);
-        EXPECT_EQ(std::memcmp(&points[n], &before[n], (24 - n) * sizeof(Pt)), 0)
+        EXPECT_EQ(std::memcmp(&points[n], &before[n], (40 - n) * sizeof(Pt)), 0)
             << work.name << ", " << set->isa << ", " << n;
       }
     }
@@ -361,11 +438,9 @@ TEST(Lanes, NothingOutsideTheBatchIsTouched) {
 
 TEST(Lanes, EnginesAndMethodsLeavePointsWithAMarkerUntouched) {
   for (const Work& work : AllWork()) {
-    const bool kernel = work.name.find("ward") != std::string::npos ||
-                        work.name.find("verse") != std::string::npos || work.name == "molodensky" ||
-                        work.name == "bursa-wolf" || work.name == "regression" ||
-                        work.name.find("warp ") == 0;
-    if (!kernel) continue;
+    const auto passes = Passes();
+    if (std::any_of(passes.begin(), passes.end(), [&](const Pass& pass) { return pass.name == work.name; }))
+      continue;
     for (const KernelTable* set : Sets()) {
       std::vector<Pt> points = {{kMarker, kMarker}, {kMarker, 0.25}, {0.25, kMarker}, {kMarker, -0.0}};
       const auto before = points;
@@ -416,10 +491,14 @@ TEST(Lanes, NoPointRaisesDivideByZeroOverflowOrInvalid) {
     std::feclearexcept(FE_ALL_EXCEPT);
     auto batch = points;
     set->checkMarks(Data(batch), batch.size());
-    batch = points;
-    set->normaliseCoordinates(Data(batch), batch.size());
-    set->toRadians(Data(batch), batch.size());
-    EXPECT_EQ(flags(), "") << set->isa;
+    for (const Pass& pass : Passes()) {
+      if (pass.name == "toRadians" || pass.name == "multiply") continue;  // which get what is looked through
+      batch = points;
+      std::feclearexcept(FE_ALL_EXCEPT);
+      std::vector<double> extra;
+      pass.run(*set, Data(batch), batch.size(), extra);
+      EXPECT_EQ(flags(), "") << pass.name << ", " << set->isa;
+    }
   }
 }
 
@@ -461,116 +540,87 @@ TEST(Lanes, CheckMarksMarksBothCoordinatesAndTellsOfOldMarkers) {
   });
 }
 
-double FoldedLatitude(double y) {
-  const double r = std::fmod(y, 180);
-  return r > 90 ? 180 - r : r < -90 ? -180 - r : r;
-}
-
-TEST(Lanes, NormaliseCoordinatesKeepsTheSignAndFoldsLatitudes) {
-  ForSets([](const KernelTable& k) {
-    const std::vector<Pt> in = {{370, 100},      {-370, -100}, {350, 90},     {-360, -90},
-                                {359.9999, 180}, {360, 270},   {725.5, -271}, {1e15, 1e10},
-                                {-1e300, 7},     {-0.0, -0.0}, {-kMarker, 1}};
-    auto out = in;
-    k.normaliseCoordinates(Data(out), out.size());
-    for (std::size_t i = 0; i < in.size(); ++i)
-      ExpectPoint(out[i], std::fmod(in[i].x, 360), FoldedLatitude(in[i].y));
-    ExpectPoint(out[0], 10, 80);  // the longitude is not turned with the latitude
-    ExpectPoint(out[1], -10, -80);
-    ExpectPoint(out[5], 0, -90 + 180);
-  });
-}
-
-TEST(Lanes, NormaliseCoordinatesMarksOddCoordinatesAloneAndNormalisePointsSkipsMarkedPoints) {
-  ForSets([](const KernelTable& k) {
-    const std::vector<Pt> in = {{kNaN, 100},    {370, kInf},    {-kInf, 100},
-                                {kMarker, 100}, {370, kMarker}, {kMarker, kMarker}};
-    auto out = in;
-    k.normaliseCoordinates(Data(out), out.size());
-    ExpectPoint(out[0], kMarker, 80);
-    ExpectPoint(out[1], 10, kMarker);
-    ExpectPoint(out[2], kMarker, 80);
-    ExpectPoint(out[3], kMarker, 80);
-    ExpectPoint(out[4], 10, kMarker);
-    ExpectPoint(out[5], kMarker, kMarker);
-    out = {{kMarker, 100}, {370, kMarker}, {370, 100}};
-    k.normalisePoints(Data(out), out.size());
-    ExpectPoint(out[0], kMarker, 100);
-    ExpectPoint(out[1], 370, kMarker);
-    ExpectPoint(out[2], 10, 80);
-  });
-}
-
-// x * kPi / 180.0 and x * 180.0 / kPi, the division correctly rounded whatever way it is computed.
-TEST(Lanes, DegreesAndRadiansAreTheStatedOperationsToTheLastBit) {
+// Every pass does to every point what its rule says, to the last bit, whoever its neighbours are.
+TEST(Lanes, PassesFollowTheirRules) {
   std::mt19937_64 generator(11);
-  std::uniform_real_distribution<double> exponent(-1074, 1000), mantissa(-2, 2), usual(-400, 400);
-  std::vector<Pt> in = {{0, -0.0},           {5e-324, -5e-324}, {1e-280, 1e-281},   {-1e-279, 180},
-                        {kMarker, 90},       {90, kMarker},     {kMarker, kMarker}, {57.29577951308232, -kPi},
-                        {2.2e-308, 1.7e305}, {1e-310, 7}};
-  for (int i = 0; i < 300000; ++i)
+  std::uniform_real_distribution<double> exponent(-1074, 1023), mantissa(-2, 2), usual(-400, 400),
+      little(-1.5, 1.5);
+  std::vector<Pt> in;
+  for (int i = 0; i < 4000; ++i) in.push_back({usual(generator), usual(generator) / 5});
+  for (int i = 0; i < 4000; ++i) in.push_back({little(generator), little(generator)});
+  for (int i = 0; i < 40000; ++i)
     in.push_back({std::ldexp(mantissa(generator), static_cast<int>(exponent(generator))), usual(generator)});
-  ForSets([&](const KernelTable& k) {
-    auto radians = in, degrees = in;
-    k.toRadians(Data(radians), in.size());
-    k.toDegrees(Data(degrees), in.size());
-    for (std::size_t i = 0; i < in.size(); ++i) {
-      const auto rad = [](double v) { return v == kMarker ? v : v * kPi / 180.0; };
-      const auto deg = [](double v) { return v == kMarker ? v : v * 180.0 / kPi; };
-      const Pt r = {rad(in[i].x), rad(in[i].y)}, d = {deg(in[i].x), deg(in[i].y)};
-      ASSERT_EQ(std::memcmp(&radians[i], &r, sizeof r), 0) << in[i].x << ", " << in[i].y;
-      ASSERT_EQ(std::memcmp(&degrees[i], &d, sizeof d), 0) << in[i].x << ", " << in[i].y;
+  std::vector<Pt> odd = OddPoints();
+  for (const double v : {0.0, -0.0, 5e-324, 1e-280, 1e-310, 90.0, 180.0, 359.99999999999994, 360.0, 1.57,
+                         kHalfPi, 6.28, 1e300, 1.7e308, kMarker, kInf, kNaN}) {
+    for (const double w :
+         {-0.0, 1.0, 90.0, 90.00000000000001, 100.0, -271.0, 1e300, kMarker, -kMarker, -kInf, kNaN})
+      odd.insert(odd.end(), {{v, w}, {-v, w}});
+  }
+  for (std::size_t i = 0; i < odd.size(); ++i) {  // among usual ones, at every place of a group
+    in.insert(in.end(), 40, Pt{1.5, -0.0});
+    in[in.size() - 20 - i % 17] = odd[i];
+  }
+  in.insert(in.end(), odd.begin(), odd.end());
+  for (const KernelTable* set : Sets()) {
+    for (const Pass& pass : Passes()) {
+      std::vector<Pt> out = in;
+      std::vector<double> offsets(in.size(), 360.0);
+      offsets[1] = 0.0;
+      offsets[2] = -360.0;
+      std::vector<double> ruled = offsets;
+      bool anyMet = false;
+      const bool met = pass.run(*set, Data(out), out.size(), offsets);
+      for (std::size_t i = 0; i < in.size(); ++i) {
+        const Pt expected = pass.rule(in[i], ruled[i], anyMet);
+        ASSERT_EQ(std::memcmp(&out[i], &expected, sizeof expected), 0)
+            << pass.name << ", " << set->isa << " at (" << in[i].x << ", " << in[i].y << "): (" << out[i].x
+            << ", " << out[i].y << ") and (" << expected.x << ", " << expected.y << ")";
+        ASSERT_EQ(offsets[i], ruled[i]) << pass.name << ", " << set->isa << " at " << in[i].x;
+      }
+      EXPECT_EQ(met, anyMet) << pass.name;
+      std::vector<Pt> clean(37, Pt{1.25, -0.5});
+      std::vector<double> none;
+      EXPECT_FALSE(pass.run(*set, Data(clean), clean.size(), none)) << pass.name;
     }
+  }
+}
+
+TEST(Lanes, RangesKeepTheSignOfLongitudesAndFoldLatitudes) {
+  ForSets([](const KernelTable& k) {
+    std::vector<Pt> p = {{370, 100}, {-370, -100}, {360, 270}, {kNaN, 100}, {370, kInf}, {kMarker, 100}};
+    k.beforeForward(Data(p), p.size());
+    ExpectPoint(p[0], Radians(10), Radians(80));  // the longitude is not turned with the latitude
+    ExpectPoint(p[1], Radians(-10), Radians(-80));
+    ExpectPoint(p[2], 0, Radians(-90 + 180));
+    ExpectPoint(p[3], kMarker, Radians(80));
+    ExpectPoint(p[4], Radians(10), kMarker);
+    ExpectPoint(p[5], kMarker, Radians(80));
+    p = {{kMarker, 100}, {370, kMarker}, {370, 100}};
+    double offsets[3];
+    k.beforeShift(Data(p), p.size(), offsets);
+    ExpectPoint(p[0], kMarker, 100);
+    ExpectPoint(p[1], 370, kMarker);
+    ExpectPoint(p[2], 10, 80);
   });
 }
 
-TEST(Lanes, OriginAndScaleLeaveMarkedCoordinatesAlone) {
+TEST(Lanes, WhatWrapsALongitudeIsRememberedAndAddedBack) {
   ForSets([](const KernelTable& k) {
-    const std::vector<Pt> in = {{1, 2}, {kMarker, 3}, {4, kMarker}, {kMarker, kMarker}, {0.1, -7}};
-    auto p = in;
-    k.addOrigin(Data(p), p.size(), 10, -0.3);
-    ExpectPoint(p[0], 11, 2 - 0.3);
-    ExpectPoint(p[1], kMarker, 3 - 0.3);
-    ExpectPoint(p[2], 14, kMarker);
-    ExpectPoint(p[3], kMarker, kMarker);
-    p = in;
-    k.subtractOrigin(Data(p), p.size(), 10, -0.3);
-    ExpectPoint(p[1], kMarker, 3 + 0.3);
-    ExpectPoint(p[4], 0.1 - 10, -7 + 0.3);
-    p = in;
-    k.multiply(Data(p), p.size(), 0.7);
-    ExpectPoint(p[1], kMarker, 3 * 0.7);
-    ExpectPoint(p[4], 0.1 * 0.7, -7 * 0.7);
-    p = in;
-    k.divide(Data(p), p.size(), 0.7);
-    ExpectPoint(p[2], 4 / 0.7, kMarker);
-    ExpectPoint(p[4], 0.1 / 0.7, -7 / 0.7);
-  });
-}
-
-TEST(Lanes, WrapLongitudesRemembersWhatUnwrapLongitudesAddsBack) {
-  ForSets([](const KernelTable& k) {
-    const std::vector<Pt> in = {{350, 1},     {-350, 1},      {180, 1},  {-180, 1}, {180.5, 1},
-                                {-180.5, 1},  {360, 1},       {-360, 1}, {361, 1},  {-361, 1},
-                                {kMarker, 1}, {350, kMarker}, {10, 1},   {359, 1}};
-    const double wrapped[] = {-10, 10, 180, -180, -179.5, 179.5, 0, 0, 361, -361, kMarker, 350, 10, -1};
-    const double offset[] = {360, -360, 0, 0, 360, -360, 360, -360, 0, 0, 0, 0, 0, 360};
+    const std::vector<Pt> in = {{350, 1}, {-350, 1}, {180, 1},     {-180, 1},      {180.5, 1}, {-180.5, 1},
+                                {0, 1},   {-0.0, 1}, {kMarker, 1}, {350, kMarker}, {10, 1},    {359, 1}};
+    const double wrapped[] = {-10, 10, 180, -180, -179.5, 179.5, 0, -0.0, kMarker, 350, 10, -1};
+    const double offset[] = {360, -360, 0, 0, 360, -360, 0, 0, 0, 0, 0, 360};
     auto p = in;
     std::vector<double> offsets(in.size() + 1, -1);
-    k.wrapLongitudes(Data(p), p.size(), offsets.data());
+    EXPECT_TRUE(k.beforeShift(Data(p), p.size(), offsets.data()));
     for (std::size_t i = 0; i < in.size(); ++i) {
       ExpectPoint(p[i], wrapped[i], in[i].y);
       EXPECT_EQ(offsets[i], offset[i]) << in[i].x;
     }
     EXPECT_EQ(offsets.back(), -1);
-    k.unwrapLongitudes(Data(p), p.size(), offsets.data());
-    EXPECT_TRUE(SameBits(p, in));
-    std::vector<Pt> marked = {{kMarker, 1}, {5, kMarker}, {5, 6}};
-    const double shifts[] = {360, 360, 360};
-    k.unwrapLongitudes(Data(marked), 3, shifts);
-    ExpectPoint(marked[0], kMarker, 1);
-    ExpectPoint(marked[1], 5, kMarker);
-    ExpectPoint(marked[2], 365, 6);
+    EXPECT_TRUE(k.afterShift(Data(p), p.size(), offsets.data()));
+    for (std::size_t i = 0; i < in.size(); ++i) EXPECT_EQ(p[i].x, in[i].x);
   });
 }
 

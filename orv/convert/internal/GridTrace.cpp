@@ -41,10 +41,7 @@ bool GridTrace::FlagOutside(const shr::Vec2d* points, size_t count, unsigned cha
     shr::Vec2d block[lanes::kBlockPoints];
     double offsets[lanes::kBlockPoints];
     std::copy_n(points + at, n, block);
-    // What the converter does in front of its steps.
-    kernels.checkMarks(&block->x, n);
-    kernels.normalisePoints(&block->x, n);
-    kernels.wrapLongitudes(&block->x, n, offsets);
+    kernels.beforeShift(&block->x, n, offsets);  // what the converter does in front of its steps
     for (const Step& step : m_Steps) {
       if (step.run.Prepare()) return any;  // the conversion fails here and says so
       const NadconUtility* const nadcon = step.usesNadcon ? LoadedNadcon() : nullptr;
