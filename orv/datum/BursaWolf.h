@@ -8,7 +8,7 @@
 //             scale and translation).  The rotation is linear.  No iteration.
 #pragma once
 
-#include "orv/lanes/LaneMath.h"
+#include "orv/lanes/Ellipsoid.h"
 
 namespace orv {
 
@@ -29,7 +29,7 @@ namespace ORV_ISA {
 
 inline Point Shift(const BursaWolf& c, Point p) {
   const SinCos l = sincos((p.x + c.pmShift) * (kPi / 180.0)), f = sincos(p.y * (kPi / 180.0));
-  const Lanes N = c.aFrom / sqrt(1.0 - c.e2From * Square(f.sin));
+  const Lanes N = c.aFrom * InverseRoot(c.e2From, Square(f.sin));
   const Lanes parallel = N * f.cos;
   const Lanes X = parallel * l.cos;
   const Lanes Y = parallel * l.sin;
@@ -44,10 +44,13 @@ inline Point Shift(const BursaWolf& c, Point p) {
   const Lanes rr0 = pp + Z2 * Z2;
   const Mask centre = rr0 == 0.0;
   const Lanes rr = Except(rr0, centre, 1.0);
-  const Lanes axis = sqrt(pp), r = sqrt(rr);
-  const Lanes zu = Z2 * (g + e2a / r);  // tan u = zu / axis, from which sin u and cos u without the angle
+  // At height 0, r and the hypotenuse of tan u are the major radius but for some thousandths.
+  const double inverseA = 1.0 / c.aTo, inverseSquare = inverseA * inverseA;
+  const Lanes axis = sqrt(pp), inverseR = inverseA * InverseRootNearOne(rr * inverseSquare);
+  const Lanes zu =
+      Z2 * (g + e2a * inverseR);  // tan u = zu / axis, from which sin u and cos u without the angle
   const Lanes hh = zu * zu + pp;
-  const Lanes h = 1.0 / sqrt(Except(hh, centre, 1.0));
+  const Lanes h = inverseA * InverseRootNearOne(Except(hh, centre, 1.0) * inverseSquare);
   const Lanes su = zu * h, cu = axis * h;
   const Lanes phi = atan2(g * Z2 + e2a * su * su * su, g * (axis - e2a * cu * cu * cu));
   const Lanes lambda = atan2(Y2, X2);

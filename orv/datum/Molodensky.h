@@ -9,7 +9,7 @@
 //             a solution of it.
 #pragma once
 
-#include "orv/lanes/LaneMath.h"
+#include "orv/lanes/Ellipsoid.h"
 
 namespace orv {
 
@@ -33,15 +33,15 @@ inline constexpr double kSineOfSecond = 4.84813681107637e-06;
 inline Point Shift(const Molodensky& c, Point p) {
   const Lanes lon = p.x + c.pmShift;
   const SinCos l = sincos(lon * (kPi / 180.0)), f = sincos(p.y * (kPi / 180.0));
-  const Lanes W = 1.0 - c.e2 * Square(f.sin);
-  const Lanes root = sqrt(W);
-  const Lanes N = c.a1 / root;
-  const Lanes M = (1.0 - c.e2) * c.a1 / (W * root);
+  const Lanes W = 1.0 - c.e2 * Square(f.sin), v = InverseRoot(c.e2, Square(f.sin));
+  const Lanes N = c.a1 * v;
+  const Lanes M = (1.0 - c.e2) * c.a1 * (v * v * v);
   const Lanes sc = f.sin * f.cos;
   const Lanes shift = c.dz * f.cos - (c.dx * f.sin * l.cos + c.dy * f.sin * l.sin) +
                       c.e2 * N * sc * (c.da / c.a1) + (M * (c.a1 / c.b1) + N * (c.b1 / c.a1)) * c.df * sc;
-  const Lanes dphi = shift / (M * kSineOfSecond);                                     // arc-seconds
-  const Lanes dlambda = (c.dy * l.cos - c.dx * l.sin) / (N * f.cos * kSineOfSecond);  // arc-seconds
+  // Arc-seconds: over M sin 1" and over N cos phi sin 1", where 1/v is W v.
+  const Lanes dphi = shift * (W * W * v) * (1.0 / ((1.0 - c.e2) * c.a1 * kSineOfSecond));
+  const Lanes dlambda = (c.dy * l.cos - c.dx * l.sin) * (W * v) / f.cos * (1.0 / (c.a1 * kSineOfSecond));
   return {lon + dlambda * (1.0 / 3600), p.y + dphi * (1.0 / 3600)};
 }
 

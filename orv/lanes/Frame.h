@@ -345,65 +345,10 @@ ORV_KERNEL void RunForward(const E& engine, double* xy, std::size_t n) {
   Each<kNextBlock>(xy, n, [&c](Point p) { return OnPlottable(p, [&c](Point q) { return Forward(c, q); }); });
 }
 
-/// The inverse of an engine whose steps are long and wait for each other: groups are taken two by two, since the steps
-/// of one do not wait for those of the other.  Instead of Inverse the engine has
-///   S BeginInverse(c, p), void StepInverse(c, S&), Point EndInverse(c, p, const S&)
-/// where S holds what a step works on, and the lanes that are still at it in its member `active`;
-/// steps are taken while any lane is active, at most E::kInverseSteps.
-template <class E>
-class SideBySide {
- public:
-  explicit SideBySide(const E& c) : m_Engine(c) {}
-  void Add(double* xy) {
-    Point p;
-    Load(xy, p.x, p.y);
-    m_xy[m_Count] = xy;
-    m_Searches[m_Count] = BeginInverse(m_Engine, WithoutMarked(p, Marked(p)));
-    if (++m_Count == kGroups) Finish();
-  }
-  void Finish() {
-    bool going = true;
-    for (int step = 0; step < E::kInverseSteps && going; ++step) {
-      going = false;
-      for (std::size_t k = 0; k < m_Count; ++k) {
-        if (!Any(m_Searches[k].active)) continue;
-        StepInverse(m_Engine, m_Searches[k]);
-        going = true;
-      }
-    }
-    for (std::size_t k = 0; k < m_Count; ++k) {
-      Point p;
-      Load(m_xy[k], p.x, p.y);
-      const Mask marked = Marked(p);
-      const Point q = EndInverse(m_Engine, WithoutMarked(p, marked), m_Searches[k]);
-      const Point out = Plotted(p, marked, q);
-      Store(m_xy[k], out.x, out.y);
-    }
-    m_Count = 0;
-  }
-
- private:
-  static constexpr std::size_t kGroups = 2;
-  const E& m_Engine;
-  double* m_xy[kGroups];
-  decltype(BeginInverse(E{}, Point{})) m_Searches[kGroups];
-  std::size_t m_Count = 0;
-};
-
 template <class E>
 ORV_KERNEL void RunInverse(const E& engine, double* xy, std::size_t n) {
   const E c = engine;
-  if constexpr (requires { BeginInverse(c, Point{}); }) {
-    SideBySide<E> groups(c);
-    EachGroup(xy, n, [&](double* points, std::size_t first) {
-      Prefetch(points, kNextBlock);
-      groups.Add(points);
-      if (n - first <= kLanes) groups.Finish();  // the last group
-    });
-  } else {
-    Each<kNextBlock>(xy, n,
-                     [&c](Point p) { return OnPlottable(p, [&c](Point q) { return Inverse(c, q); }); });
-  }
+  Each<kNextBlock>(xy, n, [&c](Point p) { return OnPlottable(p, [&c](Point q) { return Inverse(c, q); }); });
 }
 template <class D>
 ORV_KERNEL void RunShift(const D& method, double* xy, std::size_t n) {

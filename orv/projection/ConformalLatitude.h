@@ -7,7 +7,7 @@
 // rad.
 #pragma once
 
-#include "orv/lanes/LaneMath.h"
+#include "orv/lanes/Ellipsoid.h"
 
 namespace orv {
 
@@ -17,9 +17,6 @@ struct LatitudeSeries {
 };
 
 namespace ORV_ISA {
-
-/// Up to this eccentricity, which every ellipsoid of the Earth is below, short series replace artanh and exp.
-inline constexpr double kLargestSmallEccentricity = 0.087;
 
 /// e artanh(e s), which is (e/2) ln((1 + e s)/(1 - e s)), for |s| <= 1, 0 <= e < 1; the series is exact to
 /// 1e-18.

@@ -8,7 +8,7 @@
 // Departures  none.  A pole comes back at longitude Lon0.
 #pragma once
 
-#include "orv/lanes/LaneMath.h"
+#include "orv/lanes/Ellipsoid.h"
 #include "orv/projection/Cone.h"
 #include "orv/projection/InverseLimits.h"
 #include "orv/projection/MeridianArc.h"
@@ -34,7 +34,7 @@ inline Point Forward(const Bonne& c, Point p) {
   const SinCos f = sincos(p.y);
   const Lanes M = c.sphere ? c.a * p.y : ArcTo(c.arc, p.y, f);      // (3-21)
   const Lanes rho = c.apexArc - M;                                  // (19-1), (19-8)
-  const Lanes am = c.a * f.cos / sqrt(1.0 - c.e2 * Square(f.sin));  // a m, of (14-15)
+  const Lanes am = c.a * f.cos * InverseRoot(c.e2, Square(f.sin));  // a m, of (14-15)
   const Mask apex = rho == 0.0;                                     // a pole that is the standard parallel
   const Lanes E = am * (p.x - c.lon0) / Except(rho, apex, c.a);     // (19-2), (19-9)
   return FromPolar(rho, Except(E, apex, 0.0), c.apex);              // (19-3), (19-4), (19-10), (19-11)
@@ -48,7 +48,7 @@ inline Point Inverse(const Bonne& c, Point p) {
   const Lanes phi0 = c.sphere ? mu : FootpointLatitude(c.arc, mu);                 // (19-6), (3-26)
   const SinCos f = sincos(Clamp(phi0, kHalfPi));
   const Mask pole = f.cos <= kAtPole;
-  const Lanes am = c.a * Except(f.cos, pole, 1.0) / sqrt(1.0 - c.e2 * Square(f.sin));
+  const Lanes am = c.a * Except(f.cos, pole, 1.0) * InverseRoot(c.e2, Square(f.sin));
   const Lanes L = rho * at.theta / am;  // (19-7), (19-14)
   return {c.lon0 + Except(L, pole, 0.0), LatitudeOrNaN(phi0)};
 }

@@ -11,7 +11,7 @@
 //             y = M - M0; in the inverse a footpoint at or beyond a pole is the pole, at longitude Lon0.
 #pragma once
 
-#include "orv/lanes/LaneMath.h"
+#include "orv/lanes/Ellipsoid.h"
 #include "orv/projection/InverseLimits.h"
 #include "orv/projection/MeridianArc.h"
 
@@ -68,7 +68,7 @@ inline Point CassiniInverseSphere(const Cassini& c, Point p) {
 
 inline Point CassiniForwardEllipsoid(const Cassini& c, Point p) {
   const SinCos f = sincos(p.y);
-  const Lanes N = c.a / sqrt(1.0 - c.e2 * Square(f.sin));  // (4-20)
+  const Lanes N = c.a * InverseRoot(c.e2, Square(f.sin));  // (4-20)
   const Lanes tanPhi = f.sin / f.cos;
   const Lanes T = tanPhi * tanPhi;         // (8-13)
   const Lanes C = c.ep2 * Square(f.cos);   // (8-14)
@@ -88,7 +88,7 @@ inline Point CassiniInverseEllipsoid(const Cassini& c, Point p) {
   const Mask pole = beyond | (abs(phi1) >= kHalfPi);
   const SinCos f = sincos(phi1);
   const Lanes w = 1.0 - c.e2 * Square(f.sin);
-  const Lanes D0 = p.x * sqrt(w) * (1.0 / c.a);  // (13-13): x / N1
+  const Lanes D0 = p.x * (w * InverseRoot(c.e2, Square(f.sin))) * (1.0 / c.a);  // (13-13): x / N1
   const Mask wild = abs(D0) > kCassiniLargestD;
   const Lanes D = Except(D0, wild, 0.0), D2 = D * D;
   const Lanes secant = 1.0 / f.cos;

@@ -42,21 +42,24 @@ inline SinCos Eckert4Theta(Lanes phi) {
   const Mask near = phi > kEckert4NearPole;
   const Lanes sine = sin(Select(near, 0.5 * (kHalfPi - phi), phi));
   const Lanes right = Select(near, (2.0 * kEckert4C) * sine * sine, kEckert4C * sine);
-  // Within 3e-5: polynomials fitted to the solution (tools/generate/newton_starts.py).
+  // Within 7e-7: polynomials fitted to the solution (tools/generate/newton_starts.py).
   const Lanes r = sqrt(Select(near, right, 0.0)), z = phi * phi;
-  const Lanes start = Select(near,
-                             r * Poly(r, 0.99994897972608518, -0.33079037443561758, 0.29153418946614328,
-                                      -0.18905707415989414, 0.067114154865105716),
-                             phi * Poly(z, 0.89269854130057674, 0.029095191314853097, 0.0034053655941608532,
-                                        0.00075600524003630407));
-  const Lanes v = Newton(start, kNewtonRelative, [&](Lanes t) {  // (32-4)
-    const SinCos h = sincos(0.5 * t);
-    const Lanes s = 2.0 * h.sin * h.cos, k = 1.0 - 2.0 * Square(h.sin);
-    const Lanes left = Select(near, (t - s * k) + 4.0 * Square(h.sin), t + s * k + 2.0 * s);
-    const Lanes slope = Select(near, 2.0 * s * (1.0 + s), 2.0 * k * (1.0 + k));
-    return (right - left) / Except(slope, slope == 0.0, 1.0);
-  });
-  const SinCos t = sincos(v);
+  const Lanes start =
+      Select(near,
+             r * Poly(r, 0.99999816563962007, -0.33319169227605909, 0.31666824371059211, -0.28985054565689672,
+                      0.24996126289862465, -0.14855217482028536, 0.042249156242786633),
+             phi * Poly(z, 0.89269910774699027, 0.029065272529773161, 0.0035709123578597511,
+                        0.00047852938307824749, 0.00014249931018612887));
+  // One step of (32-4), with its second derivative, and without an angle after it.
+  const SinCos h = sincos(0.5 * start);
+  const Lanes s = 2.0 * h.sin * h.cos, versine = 2.0 * Square(h.sin), k = 1.0 - versine;
+  const Lanes a = Select(near, s, k),
+              b = Select(near, k, -s);  // the slope is 2 a (1 + a), half its own slope b (2 a + 1)
+  const Lanes left = Select(near, (start - s * k) + 2.0 * versine, start + s * k + 2.0 * s);
+  const Lanes slope = 2.0 * a * (1.0 + a);
+  const Lanes inverseSlope = 1.0 / Except(slope, slope == 0.0, 1.0);
+  const Lanes d = StepToSolution(right - left, inverseSlope, b * (2.0 * a + 1.0));
+  const SinCos t = Turned({s, k}, d);
   return {Select(near, t.cos, t.sin), Select(near, t.sin, t.cos)};
 }
 

@@ -29,16 +29,18 @@ inline constexpr double kEckert6Rim = 1e-9;
 
 inline Point Forward(const Eckert6& c, Point p) {
   const Lanes right = kEckert6C * sin(p.y);
-  // Within 2e-5: a polynomial fitted to the solution (tools/generate/newton_starts.py).
-  const Lanes start = p.y * Poly(p.y * p.y, 1.285398109930846, -0.037212160074808758, -0.019730349080106606,
-                                 -0.0037543514198051412, -0.002388117741216549, 0.00078186997231653207);
-  const Lanes theta = Newton(start, kNewtonRelative, [&](Lanes t) {  // (32-7), (32-8)
-    const SinCos s = sincos(t);
-    const Lanes slope = 1.0 + s.cos;
-    return (right - (t + s.sin)) / Except(slope, slope == 0.0, 1.0);
-  });
-  const Lanes x = c.a * kEckert6X * (p.x - c.lon0) * (1.0 + cos(theta));  // (32-5)
-  const Lanes y = c.a * (2.0 * kEckert6X) * theta;                        // (32-6)
+  // Within 7e-7: a polynomial fitted to the solution (tools/generate/newton_starts.py).
+  const Lanes start = p.y * Poly(p.y * p.y, 1.2853984979282222, -0.037281387016328427, -0.018979436877656568,
+                                 -0.0062198830023686982, 0.001126768649503507, -0.0016643174567012616,
+                                 0.00081834288408083775, -0.00010532718669847829);
+  // One step of (32-7), (32-8), with its second derivative, and without an angle after it.
+  const SinCos t = sincos(start);
+  const Lanes slope = 1.0 + t.cos;
+  const Lanes inverseSlope = 1.0 / Except(slope, slope == 0.0, 1.0);
+  const Lanes d = StepToSolution(right - (start + t.sin), inverseSlope, -0.5 * t.sin);
+  const Lanes theta = start + d;
+  const Lanes x = c.a * kEckert6X * (p.x - c.lon0) * (1.0 + Turned(t, d).cos);  // (32-5)
+  const Lanes y = c.a * (2.0 * kEckert6X) * theta;                              // (32-6)
   return {x, y};
 }
 

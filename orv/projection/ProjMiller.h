@@ -24,7 +24,7 @@ inline Point Forward(const Miller& c, Point p) {
   // (11-2): a ln(tan(pi/4 + 0.4 phi)) / 0.8
   const SinCos t = sincos(0.8 * p.y);
   const Mask fit = t.cos > 0.0;
-  const Lanes y = c.a * LogTan({t.sin, Except(t.cos, !fit, 1.0)}) / 0.8;
+  const Lanes y = c.a * 1.25 * LogTan({t.sin, Except(t.cos, !fit, 1.0)});
   return {x, Except(y, !fit, kNaN)};
 }
 

@@ -47,21 +47,21 @@ inline SinCos MollweideTheta(Lanes phi) {
       w * Poly(w2, 0.99999974940745906, 0.016673033613370089, 0.0006978372494706289, 5.2115242292891259e-5),
       w * Poly(w2, 1.5707967941452206, 0.061144150029127544, 0.011310042033730653, 0.0016364180975713659,
                0.0015282719818796587));
-  const Lanes v = Newton(start, kNewtonRelative, [&](Lanes t) {  // (31-4)
-    const SinCos h = sincos(0.5 * t);
-    const Lanes z = t * t;
-    // u - sin u by its series, which is exact to 1e-18 up to u = 1.6
-    const Lanes series =
-        z * t *
-        Poly(z, 1.0 / 6, -0.008333333333333333, 0.0001984126984126984, -2.7557319223985893e-06,
-             2.505210838544172e-08, -1.6059043836821613e-10, 7.647163731819816e-13, -2.8114572543455206e-15,
-             8.22063524662433e-18, -1.9572941063391263e-20);
-    const Lanes left = Select(near, series, t + 2.0 * h.sin * h.cos);
-    const Lanes slope = 2.0 * Square(Select(near, h.sin, h.cos));  // 1 - cos u, or 1 + cos theta'
-    return (right - left) / Except(slope, slope == 0.0, 1.0);
-  });
-  const SinCos h = sincos(0.5 * v);  // (31-5): theta = theta'/2
-  return {Select(near, h.cos, h.sin), Select(near, h.sin, h.cos)};
+  // One step of (31-4), with its second derivative, and without an angle after it.
+  const SinCos h = sincos(0.5 * start);
+  const Lanes z = start * start;
+  // u - sin u by its series, which is exact to 1e-18 up to u = 1.6
+  const Lanes series = z * start *
+                       Poly(z, 1.0 / 6, -0.008333333333333333, 0.0001984126984126984, -2.7557319223985893e-06,
+                            2.505210838544172e-08, -1.6059043836821613e-10, 7.647163731819816e-13,
+                            -2.8114572543455206e-15, 8.22063524662433e-18, -1.9572941063391263e-20);
+  const Lanes left = Select(near, series, start + 2.0 * h.sin * h.cos);
+  const Lanes a = Select(near, h.sin, h.cos), b = Select(near, h.cos, -h.sin);
+  const Lanes slope = 2.0 * a * a;  // 1 - cos u, or 1 + cos theta'; half its own slope is a b
+  const Lanes inverseSlope = 1.0 / Except(slope, slope == 0.0, 1.0);
+  const SinCos t =
+      Turned(h, 0.5 * StepToSolution(right - left, inverseSlope, a * b));  // (31-5): theta = theta'/2
+  return {Select(near, t.cos, t.sin), Select(near, t.sin, t.cos)};
 }
 
 inline Point Forward(const Mollweide& c, Point p) {

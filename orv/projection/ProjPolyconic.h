@@ -6,22 +6,21 @@
 // Set-up      e2, the meridian arc and M0; see the members.
 // Marks       forward nothing.  Inverse: |x| or |y + M0| beyond 100 radii; no convergence in 50 steps.
 // Departures  1 - cos E is 2 sin^2(E/2), which keeps its digits near the Equator.  In the inverse, (18-9)
-//             and (18-21) with d = A - M/a, so that they do not cancel, and M' of (18-17) in closed
-//             form.  As printed they diverge from 84 degrees off Lon0 on and find latitudes beyond the
-//             poles; here the root, of which there is one between the Equator and the pole, stays
-//             enclosed.  E comes from its sine and its cosine, since the arc sine of (18-10) and (18-22)
+//             and (18-21) with d = A - M/a, so that they do not cancel, with the derivative everywhere instead of
+//             that of a root, and with M' of (18-17) in closed form.  As printed they diverge from 84 degrees
+//             off Lon0 on and find latitudes beyond the poles; here the root, of which there is one between the
+//             Equator and the pole, stays enclosed.  E comes from its sine and its cosine, since the arc sine of (18-10) and (18-22)
 //             gives another point beyond a right angle.
 #pragma once
 
-#include "orv/lanes/LaneMath.h"
+#include "orv/lanes/Ellipsoid.h"
 #include "orv/projection/InverseLimits.h"
 #include "orv/projection/MeridianArc.h"
+#include "orv/projection/NewtonSteps.h"
 
 namespace orv {
 
 struct Polyconic {
-  static constexpr int kInverseSteps = 50;  // of (18-9), (18-21)
-
   bool sphere;      // f is exactly 0
   double a;         // major radius, metres
   double lon0;      // Lon0, radians
@@ -35,8 +34,12 @@ namespace ORV_ISA {
 /// Radii: no point of any map is as far away.
 inline constexpr double kPolyconicFarthest = 100.0;
 
-/// Absolute, radians, of (18-9), (18-21).
-inline constexpr double kPolyconicTolerance = 1e-12;
+/// Absolute, radians, and steps of (18-9), (18-21): the step after one of that size would be of the order of its square.
+inline constexpr double kPolyconicTolerance = 1e-9;
+inline constexpr int kPolyconicSteps = 50;
+
+/// Radians: steps start no closer to the pole.
+inline constexpr double kPolyconicHighestStart = 1.5;
 
 /// Radii, radians: an A that close to 0 is 0, and no latitude of another A is nearer to 0 than the second.
 inline constexpr double kPolyconicEquator = 1e-280, kPolyconicLowest = 1e-290;
@@ -52,69 +55,73 @@ inline Point Forward(const Polyconic& c, Point p) {
   const Mask equator = p.y == 0.0;
   // sin(E/2)/sin phi; its limit L/2 gives x = a L and y = -M0 (7-1), (18-1), (18-11)
   const Lanes h = Except(half.sin / Except(f.sin, equator, 1.0), equator, 0.5 * L);
-  const Lanes k = c.a / sqrt(1.0 - c.e2 * Square(f.sin)) * f.cos * (2.0 * h);  // (4-20)
+  const Lanes k = c.a * InverseRoot(c.e2, Square(f.sin)) * f.cos * (2.0 * h);  // (4-20)
   const Lanes x = k * half.cos;                                                // (18-3), (18-12)
   const Lanes y = PolyconicArc(c, p.y, f) - c.m0 + k * half.sin;               // (18-4), (18-13)
   return {x, y};
 }
 
-/// A search for phi, the root of d - (C/2)(x^2 + d^2), d = A - M/a, C = sqrt(1 - e2 sin^2 phi) tan phi (18-20), which
-/// is positive at the Equator and negative at the pole.
-struct PolyconicSearch {
-  Lanes x, A;            // (18-7), (18-18), radii; A without its sign.  0 and 1 in lanes that need no search.
-  Lanes phi, low, high;  // the last trial, and what encloses the root
-  Mask active;
+/// phi from 0 to pi/2, the root of g = d - (C/2)(x^2 + d^2), d = A - M/a, C = sqrt(1 - e2 sin^2 phi) tan phi (18-20), which
+/// is positive at the Equator and negative at the pole; with its sine and cosine, and d.
+struct PolyconicLatitude {
+  Lanes phi;
+  SinCos f;
+  Lanes d;
+  Mask failed;
 };
 
-/// (18-7), (18-18): x and A of a point, in radii, and the points that are no image or lie on the Equator.
-struct PolyconicPoint {
-  Lanes x, A;
-  Mask far, equator;
-};
-inline PolyconicPoint PolyconicPointOf(const Polyconic& c, Point p) {
+/// Newton's steps (18-9), (18-21), within what encloses the root.
+///
+/// @param x, A  (18-7), (18-18), radii; A > 0.
+inline PolyconicLatitude PolyconicLatitudeOf(const Polyconic& c, Lanes x, Lanes A) {
+  // g by the first terms of its series, from one guess to a better one: within 0.1 for 90 degrees from the meridian
+  const Lanes x2 = x * x, half = 0.5 * x2;
+  Lanes phi = A / (1.0 + half);
+  phi = A / (1.0 + half * (1.0 + phi * phi * (1.0 / 3)));
+  for (int i = 0; i < 2; ++i) {
+    const Lanes z = phi * phi;
+    phi = A / (1.0 + (half + 0.5 * Square(A - phi)) * Poly(z, 1.0, 1.0 / 3, 2.0 / 15, 17.0 / 315));
+  }
+  phi = Select(phi < kPolyconicHighestStart, phi, kPolyconicHighestStart);
+  Lanes low = kPolyconicLowest, high = kHalfPi;
+  SinCos f = sincos(phi);
+  Mask active = phi == phi;
+  for (int step = 0; step < kPolyconicSteps && Any(active); ++step) {
+    const Lanes w2 = 1.0 - c.e2 * Square(f.sin), inverse = InverseRoot(c.e2, Square(f.sin)), w = w2 * inverse;
+    const Lanes M1 = (1.0 - c.e2) * inverse * Square(inverse);  // (18-17)
+    const Lanes d = A - PolyconicArc(c, phi, f) * (1.0 / c.a);
+    const Lanes r2 = x2 + d * d;
+    // g cos phi, and the derivative of g times cos^2 phi; (18-21) has that of a root in its place.
+    const Lanes g = d * f.cos - (0.5 * r2) * w * f.sin;
+    const Lanes slope =
+        M1 * f.cos * (d * w * f.sin - f.cos) - (0.5 * r2) * (w - c.e2 * Square(f.sin * f.cos) * inverse);
+    low = Select(g > 0.0, phi, low);
+    high = Select(g > 0.0, high, phi);
+    const Lanes newton = phi - g * f.cos / Except(slope, slope == 0.0, 1.0);
+    // Close to the pole and above the root g falls like 1/cos phi, and steps are no longer than the way to the pole.
+    const Mask stuck = (f.cos < 1e-3) & (g < -0.1 * r2) & (r2 > 1e-18);
+    const Mask enclosed = (newton >= low) & (newton <= high) & !stuck;
+    const Lanes next = Select(enclosed, newton, 0.5 * (low + high));
+    const Lanes turn = Select(active, next - phi, 0.0);
+    phi = phi + turn;
+    f = SinCosAfter(f, phi, turn);
+    active = active & (abs(turn) > kPolyconicTolerance);
+  }
+  return {phi, f, A - PolyconicArc(c, phi, f) * (1.0 / c.a), active};
+}
+
+inline Point Inverse(const Polyconic& c, Point p) {
   const double inverseA = 1.0 / c.a;
-  const Lanes x = p.x * inverseA, A = (c.m0 + p.y) * inverseA;
-  const Mask far = FartherThan(x, A, kPolyconicFarthest), equator = abs(A) < kPolyconicEquator;
-  return {x, A, far, equator};
-}
-
-inline PolyconicSearch BeginInverse(const Polyconic& c, Point p) {
-  const PolyconicPoint at = PolyconicPointOf(c, p);
-  const Lanes x = Except(at.x, at.far, 0.0), A = Except(abs(at.A), at.far | at.equator, 1.0);
-  const Lanes start = A / (1.0 + 0.5 * (x * x));  // the root for small latitudes
-  const Mask active = start == start;
-  return {x, A, Select(start < kHalfPi, start, kHalfPi), kPolyconicLowest, kHalfPi, active};
-}
-
-inline void StepInverse(const Polyconic& c, PolyconicSearch& s) {
-  const SinCos f = sincos(s.phi);
-  const Lanes w2 = 1.0 - c.e2 * Square(f.sin), w = sqrt(w2);
-  const Lanes C = w * f.sin / f.cos;
-  const Lanes d = s.A - PolyconicArc(c, s.phi, f) * (1.0 / c.a);
-  const Lanes r2 = s.x * s.x + d * d;
-  const Lanes g = d - 0.5 * C * r2;          // the numerator of (18-9), (18-21)
-  const Lanes M1 = (1.0 - c.e2) / (w2 * w);  // (18-17)
-  // and its denominator, where C M' - 2/sin 2 phi is -cot phi/(1 - e2 sin^2 phi)
-  const Lanes slope = (0.5 * c.e2) * Square(f.cos) * r2 / w - d * f.cos / (f.sin * w2) - M1;
-  s.low = Select(g > 0.0, s.phi, s.low);
-  s.high = Select(g > 0.0, s.high, s.phi);
-  const Lanes newton = s.phi - g / Except(slope, slope == 0.0, 1.0);
-  const Mask enclosed = (newton >= s.low) & (newton <= s.high);
-  const Lanes next = Select(enclosed, newton, 0.5 * (s.low + s.high));
-  const Mask moving = abs(next - s.phi) > kPolyconicTolerance;
-  s.phi = Select(s.active, next, s.phi);
-  s.active = s.active & moving;
-}
-
-inline Point EndInverse(const Polyconic& c, Point p, const PolyconicSearch& s) {
-  const PolyconicPoint at = PolyconicPointOf(c, p);
-  const SinCos f = sincos(s.phi);
-  const Lanes C = sqrt(1.0 - c.e2 * Square(f.sin)) * f.sin / f.cos;
-  const Lanes d = s.A - PolyconicArc(c, s.phi, f) * (1.0 / c.a);
-  const Lanes L = atan2(s.x * C, 1.0 - d * C) / f.sin;  // (18-10), (18-22)
-  const Mask pole = f.cos <= kAtPole, nan = (at.x != at.x) | (at.A != at.A), bad = s.active | at.far | nan;
-  const Lanes lambda = c.lon0 + Except(Except(L, pole, 0.0), at.equator, s.x);
-  return {lambda, Except(Except(WithSign(s.phi, at.A), at.equator, 0.0), bad, kNaN)};
+  const Lanes x0 = p.x * inverseA, A0 = (c.m0 + p.y) * inverseA;
+  const Mask far = FartherThan(x0, A0, kPolyconicFarthest), equator = abs(A0) < kPolyconicEquator;
+  const Lanes x = Except(x0, far, 0.0), A = Except(abs(A0), far | equator, 1.0);
+  const PolyconicLatitude at = PolyconicLatitudeOf(c, x, A);
+  const Lanes w = (1.0 - c.e2 * Square(at.f.sin)) * InverseRoot(c.e2, Square(at.f.sin));
+  const Lanes C = w * at.f.sin / at.f.cos;
+  const Lanes L = atan2(x * C, 1.0 - at.d * C) / at.f.sin;  // (18-10), (18-22)
+  const Mask pole = at.f.cos <= kAtPole, nan = (x0 != x0) | (A0 != A0), bad = at.failed | far | nan;
+  const Lanes lambda = c.lon0 + Except(Except(L, pole, 0.0), equator, x);
+  return {lambda, Except(Except(WithSign(at.phi, A0), equator, 0.0), bad, kNaN)};
 }
 
 }  // namespace ORV_ISA

@@ -8,7 +8,7 @@
 // Departures  none.  lambda - Lon0 is not wrapped.  A pole comes back at longitude Lon0, whatever x.
 #pragma once
 
-#include "orv/lanes/LaneMath.h"
+#include "orv/lanes/Ellipsoid.h"
 #include "orv/projection/InverseLimits.h"
 #include "orv/projection/MeridianArc.h"
 
@@ -31,7 +31,7 @@ inline Point Forward(const Sinusoidal& c, Point p) {
   const SinCos f = sincos(p.y);
   const Lanes L = p.x - c.lon0;
   if (c.sphere) return {c.a * L * f.cos, c.a * p.y};                   // (30-1), (30-2)
-  const Lanes x = c.a * L * f.cos / sqrt(1.0 - c.e2 * Square(f.sin));  // (30-8)
+  const Lanes x = c.a * L * f.cos * InverseRoot(c.e2, Square(f.sin));  // (30-8)
   return {x, ArcTo(c.arc, p.y, f)};                                    // (30-9), (3-21)
 }
 
@@ -42,7 +42,7 @@ inline Point Inverse(const Sinusoidal& c, Point p) {
     phi0 = FootpointLatitude(c.arc, Clamp(mu, kSinusoidalLargestMu));  // (3-26)
   }
   const SinCos f = sincos(Clamp(phi0, kHalfPi));
-  const Lanes w = c.sphere ? 1.0 : sqrt(1.0 - c.e2 * Square(f.sin));
+  const Lanes w = c.sphere ? 1.0 : (1.0 - c.e2 * Square(f.sin)) * InverseRoot(c.e2, Square(f.sin));
   const Mask pole = abs(f.cos) <= kAtPole;
   const Lanes lambda = c.lon0 + p.x * w / (c.a * Except(f.cos, pole, 1.0));  // (30-7), (30-11)
   return {Except(lambda, pole, c.lon0), LatitudeOrNaN(phi0)};

@@ -45,6 +45,10 @@ inline constexpr double kAlbersBeyondPole = 1e-9;
 /// q (3-12) of a sine, with (1/(2e)) ln((1 - e s)/(1 + e s)) as -artanh(e s)/e; |e s| < 1.
 inline Lanes AuthalicQ(const Albers& c, Lanes s) {
   const double e2 = c.e * c.e;
+  if (IsSmall(e2)) {  // both terms as one series, which is exact to 1e-17
+    return (1.0 - e2) * s *
+           Poly(e2 * (s * s), 2.0, 4.0 / 3, 6.0 / 5, 8.0 / 7, 10.0 / 9, 12.0 / 11, 14.0 / 13, 16.0 / 15);
+  }
   return (1.0 - e2) * (s / (1.0 - e2 * (s * s)) + EAtanh(c.e, s) * c.ie2);
 }
 

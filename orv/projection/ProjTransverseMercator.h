@@ -13,7 +13,7 @@
 //             The Transverse Mercator inverse gives what the series gives, also beyond the poles.
 #pragma once
 
-#include "orv/lanes/LaneMath.h"
+#include "orv/lanes/Ellipsoid.h"
 #include "orv/projection/InverseLimits.h"
 #include "orv/projection/MeridianArc.h"
 
@@ -72,7 +72,7 @@ inline Point TmInverseSphere(const TransverseMercator& c, Point p) {
 
 inline Point TmForwardEllipsoid(const TransverseMercator& c, Point p) {
   const SinCos f = sincos(p.y);
-  const Lanes N = c.a / sqrt(1.0 - c.e2 * Square(f.sin));  // (4-20)
+  const Lanes N = c.a * InverseRoot(c.e2, Square(f.sin));  // (4-20)
   const Lanes tanPhi = f.sin / f.cos;
   const Lanes T = tanPhi * tanPhi;         // (8-13)
   const Lanes C = c.ep2 * Square(f.cos);   // (8-14)
@@ -96,7 +96,7 @@ inline Point TmInverseEllipsoid(const TransverseMercator& c, Point p) {
   const Lanes phi1 = FootpointLatitude(c.arc, Except(mu0, beyond, 0.0));  // (3-26)
   const Mask pole = beyond | (abs(phi1) >= kHalfPi);
   const SinCos f = sincos(phi1);
-  const Lanes w = 1.0 - c.e2 * Square(f.sin), root = sqrt(w);
+  const Lanes w = 1.0 - c.e2 * Square(f.sin), root = w * InverseRoot(c.e2, Square(f.sin));
   const Lanes secant = 1.0 / f.cos;
   const Lanes tanPhi = f.sin * secant;
   const Lanes T = tanPhi * tanPhi;                              // (8-22)
