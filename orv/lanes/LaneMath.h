@@ -305,8 +305,8 @@ inline Lanes atan2(Lanes y, Lanes x) {
   const Lanes hi3 = Select(back, 3.141592653589793 - hi2, hi2);
   const Lanes lo3 = Select(back, 1.2246467991473532e-16 - lo2, lo2);
   const Mask negate = steep != back;
-  const Lanes q3 = Select(negate, -q, q);
-  const Lanes p3 = Select(negate, -p, p);
+  const Lanes q3 = NegatedIf(negate, q);
+  const Lanes p3 = NegatedIf(negate, p);
   return FlipSign(hi3 + (q3 + (p3 + lo3)), y);
 }
 

@@ -281,6 +281,15 @@ inline Lanes FlipSign(Lanes x, Lanes sign) { return FromBits(BitsOf(x) ^ (BitsOf
 /// The magnitude of a non-negative x, with the sign of `sign`.
 inline Lanes WithSign(Lanes x, Lanes sign) { return FromBits(BitsOf(x) | (BitsOf(sign) & kSignBit)); }
 
+/// -x in the lanes of m, x in the others.
+inline Lanes NegatedIf(Mask m, Lanes x) {
+#if ORV_LANES == 1
+  return m ? -x : x;
+#else
+  return FromBits(BitsOf(x) ^ (m & kSignBit));
+#endif
+}
+
 /// Neither NaN nor infinite.  Raises no exception flag, as < and <= would for a NaN.
 inline Mask IsFinite(Lanes x) { return (x == x) & (abs(x) != kInfinity); }
 
