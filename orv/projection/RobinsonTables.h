@@ -25,4 +25,23 @@ extern const float kRobinsonDistance[kRobinsonNodes][kRobinsonTerms];
 extern const double kRobinsonLengthNodes[kRobinsonNodes];
 extern const double kRobinsonDistanceNodes[kRobinsonNodes];
 
+// ---- the same as the kernels read them -------------------------------------------------------------------
+
+/// A row for each interval, in doubles: c0 to c3 of the distance; b1 to b4 of its inverse's start,
+/// d = b1 u + b2 u^2 + b3 u^3 + b4 u^4 with u = distance - c0; c0 to c3 of the length.
+struct RobinsonRows {
+  double at[kRobinsonIntervals][3 * kRobinsonTerms];
+};
+extern const RobinsonRows kRobinsonRows;
+
+/// The interval that a distance lies in.  Of the distances that are next to k/32, at most 1/64 away, those below `node`
+/// lie in interval `before` and the others in the one after it.
+struct RobinsonSearch {
+  struct {
+    double node;  // 2 where all lie in the same one
+    double before;
+  } at[33];
+};
+extern const RobinsonSearch kRobinsonSearch;  // in the cubics
+
 }  // namespace orv

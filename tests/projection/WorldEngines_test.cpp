@@ -278,6 +278,45 @@ TEST(RobinsonTables, RowsEndAtTheNextNodeAndTheLengthsShrinkAsTheDistancesGrow) 
   }
 }
 
+// The interval of a distance as the kernels look it up: that of the nearest multiple of 1/32.
+int IntervalOf(const RobinsonSearch& search, double distance) {
+  const auto& at = search.at[std::lrint(distance * 32.0)];
+  return static_cast<int>(at.before) + (distance >= at.node ? 1 : 0);
+}
+
+TEST(RobinsonTables, TheSearchFindsTheLastNodeThatIsReached) {
+  const auto cubics = [](int i) { return static_cast<double>(kRobinsonDistance[i][0]); };
+  std::vector<double> distances;
+  for (int k = 0; k <= 6400; ++k) distances.push_back(k / 6400.0);
+  for (int i = 0; i < kRobinsonNodes; ++i) distances.push_back(cubics(i));
+  for (const double middle : std::vector<double>(distances)) {
+    distances.push_back(std::nextafter(middle, 2.0));
+    distances.push_back(std::fabs(std::nextafter(middle, -2.0)));
+  }
+  distances.push_back(1.0 + 1e-6);
+  for (const double distance : distances) {
+    int i = 0;
+    while (i + 1 < kRobinsonIntervals && cubics(i + 1) <= distance) ++i;
+    EXPECT_EQ(IntervalOf(kRobinsonSearch, distance), i) << distance;
+  }
+}
+
+TEST(RobinsonTables, RowsOfTheKernelsAreThoseOfTheTablesWithStartsNextToTheRoot) {
+  for (int i = 0; i < kRobinsonIntervals; ++i) {
+    const double* const row = kRobinsonRows.at[i];
+    for (int k = 0; k < kRobinsonTerms; ++k) {
+      EXPECT_EQ(row[k], static_cast<double>(kRobinsonDistance[i][k]));
+      EXPECT_EQ(row[2 * kRobinsonTerms + k], static_cast<double>(kRobinsonLength[i][k]));
+    }
+    for (int step = 0; step <= 50; ++step) {
+      const double d = step / 10.0;
+      const double u = ((row[3] * d + row[2]) * d + row[1]) * d;
+      const double start = (((row[7] * u + row[6]) * u + row[5]) * u + row[4]) * u;
+      EXPECT_NEAR(start, d, i == kRobinsonIntervals - 1 ? 2.2e-3 : 2e-4) << 5 * i + d;
+    }
+  }
+}
+
 // tests/projection/world_expected.py: exact arithmetic on the single-precision coefficients.
 TEST(Robinson, IsTheTableInSinglePrecisionAndItsConstants) {
   const struct {
