@@ -46,26 +46,21 @@ inline Lanes RobinsonRow(Lanes w) {
 struct Cubic {
   Lanes c0, c1, c2, c3;
 };
-/// Four neighbours in the rows of kRobinsonRows, from the first row's first one and the row times kRobinsonRowPairs.
-inline constexpr double kRobinsonRowPairs = 1.5 * kRobinsonTerms;
-inline Cubic RobinsonTerms(const double* first, Ints at) {
+inline Cubic RobinsonCubic(const double (&pairs)[2][kRobinsonIntervals][2], Ints row) {
   Cubic c;
-  GatherPairs(first, at, c.c0, c.c1);
-  GatherPairs(first + 2, at, c.c2, c.c3);
+  GatherPairs(pairs[0][0], row, c.c0, c.c1);
+  GatherPairs(pairs[1][0], row, c.c2, c.c3);
   return c;
 }
-inline Cubic RobinsonDistance(Ints at) { return RobinsonTerms(kRobinsonRows.at[0], at); }
-inline Cubic RobinsonStart(Ints at) { return RobinsonTerms(kRobinsonRows.at[0] + kRobinsonTerms, at); }
-inline Cubic RobinsonLength(Ints at) { return RobinsonTerms(kRobinsonRows.at[0] + 2 * kRobinsonTerms, at); }
 inline Lanes ValueOf(const Cubic& c, Lanes d) { return ((c.c3 * d + c.c2) * d + c.c1) * d + c.c0; }
 
 inline Point Forward(const Robinson& c, Point p) {
   const Lanes phi = abs(p.y);
   const Lanes i = RobinsonRow(phi * kRobinsonPerRadian);
   const Lanes d = (phi - i * kRobinsonStep) * kRobinsonDegrees;
-  const Ints row = RobinsonIndex(i * kRobinsonRowPairs);
-  const Lanes X = ValueOf(RobinsonLength(row), d);
-  const Lanes Y = ValueOf(RobinsonDistance(row), d);
+  const Ints row = RobinsonIndex(i);
+  const Lanes X = ValueOf(RobinsonCubic(kRobinsonPairs.length, row), d);
+  const Lanes Y = ValueOf(RobinsonCubic(kRobinsonPairs.distance, row), d);
   const Lanes y = Y * kRobinsonY * c.a;
   return {X * kRobinsonX * p.x * c.a, Select(p.y < 0.0, -y, y)};
 }
@@ -84,8 +79,9 @@ inline Point Inverse(const Robinson& c, Point p) {
   const Mask outside = !(Y0 <= 1.0 + kRobinsonRim);
   const Lanes Y = Except(Y0, outside, 0.0);
   const Lanes i = RobinsonRowOf(Y, kRobinsonSearch);
-  const Ints row = RobinsonIndex(i * kRobinsonRowPairs);
-  const Cubic t = RobinsonDistance(row), start = RobinsonStart(row);
+  const Ints row = RobinsonIndex(i);
+  const Cubic t = RobinsonCubic(kRobinsonPairs.distance, row),
+              start = RobinsonCubic(kRobinsonPairs.start, row);
   const Lanes u = Y - t.c0;
   const Lanes v = u * Poly(u, start.c0, start.c1, start.c2, start.c3);
   // the cubic about the start, less Y, is -rest + slope e + s2 e^2 + c3 e^3; the series of its root e, whose next term
@@ -95,7 +91,7 @@ inline Point Inverse(const Robinson& c, Point p) {
   const Lanes inverse = 1.0 / (t.c1 + v * (t.c2 + s2));
   const Lanes h = rest * inverse, f2 = s2 * inverse, f3 = t.c3 * inverse, square = f2 * f2;
   const Lanes d = v + h * Poly(h, 1.0, -f2, 2.0 * square - f3, -5.0 * f2 * (square - f3));
-  const Cubic length = RobinsonLength(row);
+  const Cubic length = RobinsonCubic(kRobinsonPairs.length, row);
   const Lanes X = Poly(d, length.c0, length.c1, length.c2, length.c3);
   const Lanes phi = Clamp(i * kRobinsonStep + d * (1.0 / kRobinsonDegrees), kHalfPi);
   return {p.x / (kRobinsonX * c.a * X), Except(FlipSign(phi, p.y), outside, kNaN)};

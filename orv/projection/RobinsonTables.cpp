@@ -86,16 +86,33 @@ constexpr double kStarts[kRobinsonIntervals][kRobinsonTerms] = {
 
 // clang-format on
 
-constexpr RobinsonRows kRobinsonRows = [] {
-  RobinsonRows rows{};
+constexpr RobinsonPairs kRobinsonPairs = [] {
+  RobinsonPairs pairs{};
   for (int i = 0; i < kRobinsonIntervals; ++i) {
     for (int k = 0; k < kRobinsonTerms; ++k) {
-      rows.at[i][k] = static_cast<double>(kRobinsonDistance[i][k]);
-      rows.at[i][kRobinsonTerms + k] = kStarts[i][k];
-      rows.at[i][2 * kRobinsonTerms + k] = static_cast<double>(kRobinsonLength[i][k]);
+      pairs.distance[k / 2][i][k % 2] = static_cast<double>(kRobinsonDistance[i][k]);
+      pairs.start[k / 2][i][k % 2] = kStarts[i][k];
+      pairs.length[k / 2][i][k % 2] = static_cast<double>(kRobinsonLength[i][k]);
     }
   }
-  return rows;
+  return pairs;
+}();
+
+constexpr SterlingPairs kSterlingPairs = [] {
+  SterlingPairs pairs{};
+  for (int i = 0; i < kRobinsonIntervals; ++i) {
+    const double y = kRobinsonDistanceNodes[i], yNext = kRobinsonDistanceNodes[i + 1];
+    const double x = kRobinsonLengthNodes[i], xNext = kRobinsonLengthNodes[i + 1];
+    const double yLast = i == 0 ? -yNext : kRobinsonDistanceNodes[i - 1];
+    const double xLast = i == 0 ? xNext : kRobinsonLengthNodes[i - 1];
+    pairs.distance[i][0] = y;
+    pairs.distance[i][1] = (yNext - yLast) / 2.0;
+    pairs.length[i][0] = x;
+    pairs.length[i][1] = (xNext - xLast) / 2.0;
+    pairs.seconds[i][0] = (yNext - 2.0 * y + yLast) / 2.0;
+    pairs.seconds[i][1] = (xNext - 2.0 * x + xLast) / 2.0;
+  }
+  return pairs;
 }();
 
 namespace {
@@ -118,6 +135,8 @@ constexpr RobinsonSearch SearchOf(Nodes node) {
 
 constexpr RobinsonSearch kRobinsonSearch =
     SearchOf([](int i) { return static_cast<double>(kRobinsonDistance[i][0]); });
+
+constexpr RobinsonSearch kSterlingSearch = SearchOf([](int i) { return kRobinsonDistanceNodes[i]; });
 
 // A row for each node; a test looks for rows left out, which would be zeros at the end.
 static_assert(kRobinsonNodes == 90 / 5 + 1);

@@ -425,7 +425,7 @@ Pt SterlingForward(const orv::RobinsonSterling& c, Pt p) {
 }
 
 TEST(Formulas, RobinsonSterlingIsStirlingsFormulaAndComesBack) {
-  const orv::RobinsonSterling c = MakeSterling(6378137, 0.4);
+  const orv::RobinsonSterling c = {6378137, 0.4};
   const std::vector<Pt> world = Box(kPoints, -4, 4, -kHalfPi, kHalfPi);
   Compare(
       "Robinson-Sterling forward", c, K().robinsonSterling.forward, world,

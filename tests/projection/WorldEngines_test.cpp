@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <string>
@@ -284,11 +285,9 @@ int IntervalOf(const RobinsonSearch& search, double distance) {
   return static_cast<int>(at.before) + (distance >= at.node ? 1 : 0);
 }
 
-TEST(RobinsonTables, TheSearchFindsTheLastNodeThatIsReached) {
-  const auto cubics = [](int i) { return static_cast<double>(kRobinsonDistance[i][0]); };
-  std::vector<double> distances;
+void ExpectLastNodeReached(const RobinsonSearch& search, const std::vector<double>& nodes) {
+  std::vector<double> distances = nodes;
   for (int k = 0; k <= 6400; ++k) distances.push_back(k / 6400.0);
-  for (int i = 0; i < kRobinsonNodes; ++i) distances.push_back(cubics(i));
   for (const double middle : std::vector<double>(distances)) {
     distances.push_back(std::nextafter(middle, 2.0));
     distances.push_back(std::fabs(std::nextafter(middle, -2.0)));
@@ -296,22 +295,33 @@ TEST(RobinsonTables, TheSearchFindsTheLastNodeThatIsReached) {
   distances.push_back(1.0 + 1e-6);
   for (const double distance : distances) {
     int i = 0;
-    while (i + 1 < kRobinsonIntervals && cubics(i + 1) <= distance) ++i;
-    EXPECT_EQ(IntervalOf(kRobinsonSearch, distance), i) << distance;
+    while (i + 1 < kRobinsonIntervals && nodes[static_cast<std::size_t>(i + 1)] <= distance) ++i;
+    EXPECT_EQ(IntervalOf(search, distance), i) << distance;
   }
 }
 
-TEST(RobinsonTables, RowsOfTheKernelsAreThoseOfTheTablesWithStartsNextToTheRoot) {
+TEST(RobinsonTables, TheSearchFindsTheLastNodeThatIsReached) {
+  std::vector<double> cubics;
+  for (const auto& row : kRobinsonDistance) cubics.push_back(static_cast<double>(row[0]));
+  ExpectLastNodeReached(kRobinsonSearch, cubics);
+  ExpectLastNodeReached(kSterlingSearch,
+                        {std::begin(kRobinsonDistanceNodes), std::end(kRobinsonDistanceNodes)});
+}
+
+TEST(RobinsonTables, PairsOfTheKernelsAreThoseOfTheTablesWithStartsNextToTheRoot) {
+  const auto at = [](const double(&pairs)[2][kRobinsonIntervals][2], int i, int k) {
+    return pairs[k / 2][i][k % 2];
+  };
   for (int i = 0; i < kRobinsonIntervals; ++i) {
-    const double* const row = kRobinsonRows.at[i];
     for (int k = 0; k < kRobinsonTerms; ++k) {
-      EXPECT_EQ(row[k], static_cast<double>(kRobinsonDistance[i][k]));
-      EXPECT_EQ(row[2 * kRobinsonTerms + k], static_cast<double>(kRobinsonLength[i][k]));
+      EXPECT_EQ(at(kRobinsonPairs.distance, i, k), static_cast<double>(kRobinsonDistance[i][k]));
+      EXPECT_EQ(at(kRobinsonPairs.length, i, k), static_cast<double>(kRobinsonLength[i][k]));
     }
     for (int step = 0; step <= 50; ++step) {
       const double d = step / 10.0;
-      const double u = ((row[3] * d + row[2]) * d + row[1]) * d;
-      const double start = (((row[7] * u + row[6]) * u + row[5]) * u + row[4]) * u;
+      double u = 0.0, start = 0.0;
+      for (int k = kRobinsonTerms - 1; k > 0; --k) u = (u + static_cast<double>(kRobinsonDistance[i][k])) * d;
+      for (int k = kRobinsonTerms - 1; k >= 0; --k) start = (start + at(kRobinsonPairs.start, i, k)) * u;
       EXPECT_NEAR(start, d, i == kRobinsonIntervals - 1 ? 2.2e-3 : 2e-4) << 5 * i + d;
     }
   }
