@@ -12,7 +12,6 @@
 
 #include "orv/lanes/LaneMath.h"
 #include "orv/projection/InverseLimits.h"
-#include "orv/projection/NewtonSteps.h"
 #include "orv/projection/RobinsonTables.h"
 
 namespace orv {
@@ -47,10 +46,11 @@ inline Lanes RobinsonRow(Lanes w) {
 struct Cubic {
   Lanes c0, c1, c2, c3;
 };
-inline Cubic RobinsonCubic(const float (&table)[kRobinsonNodes][kRobinsonTerms], Ints row) {
-  const float* const first = table[0];
-  const Ints at = row * kRobinsonTerms;
-  return {Gather(first, at), Gather(first, at + 1), Gather(first, at + 2), Gather(first, at + 3)};
+inline Cubic RobinsonCubic(const double (&pairs)[2][kRobinsonIntervals][2], Ints row) {
+  Cubic c;
+  GatherPairs(pairs[0][0], row, c.c0, c.c1);
+  GatherPairs(pairs[1][0], row, c.c2, c.c3);
+  return c;
 }
 inline Lanes ValueOf(const Cubic& c, Lanes d) { return ((c.c3 * d + c.c2) * d + c.c1) * d + c.c0; }
 
@@ -59,28 +59,40 @@ inline Point Forward(const Robinson& c, Point p) {
   const Lanes i = RobinsonRow(phi * kRobinsonPerRadian);
   const Lanes d = (phi - i * kRobinsonStep) * kRobinsonDegrees;
   const Ints row = RobinsonIndex(i);
-  const Lanes X = ValueOf(RobinsonCubic(kRobinsonLength, row), d);
-  const Lanes Y = ValueOf(RobinsonCubic(kRobinsonDistance, row), d);
+  const Lanes X = ValueOf(RobinsonCubic(kRobinsonPairs.length, row), d);
+  const Lanes Y = ValueOf(RobinsonCubic(kRobinsonPairs.distance, row), d);
   const Lanes y = Y * kRobinsonY * c.a;
   return {X * kRobinsonX * p.x * c.a, Select(p.y < 0.0, -y, y)};
 }
 
+/// The row whose node is the last that the distance has reached, at most 17.
+inline Lanes RobinsonRowOf(Lanes distance, const RobinsonSearch& search) {
+  Ints nearest;
+  Round(distance * 32.0, nearest);
+  Lanes node, before;
+  GatherPairs(&search.at[0].node, nearest & 0xffff, node, before);
+  return before + Select(distance >= node, 1.0, 0.0);
+}
+
 inline Point Inverse(const Robinson& c, Point p) {
   const Lanes Y0 = abs(p.y) * (1.0 / (kRobinsonY * c.a));
-  const Mask outside = Y0 > 1.0 + kRobinsonRim;
+  const Mask outside = !(Y0 <= 1.0 + kRobinsonRim);
   const Lanes Y = Except(Y0, outside, 0.0);
-  // the row whose c0 is the last that Y has reached, at most 17
-  Lanes i = 0.0;
-  for (int r = 1; r < kRobinsonIntervals; ++r) {
-    i += Select(Y >= static_cast<double>(kRobinsonDistance[r][0]), 1.0, 0.0);
-  }
+  const Lanes i = RobinsonRowOf(Y, kRobinsonSearch);
   const Ints row = RobinsonIndex(i);
-  const Cubic t = RobinsonCubic(kRobinsonDistance, row);
-  const Lanes next = Gather(kRobinsonDistance[0], (row + 1) * kRobinsonTerms);
-  const Lanes d = Newton(5.0 * (Y - t.c0) / (next - t.c0), 0.0, [&](Lanes v) {
-    return (Y - ValueOf(t, v)) / ((3.0 * t.c3 * v + 2.0 * t.c2) * v + t.c1);
-  });
-  const Lanes X = ValueOf(RobinsonCubic(kRobinsonLength, row), d);
+  const Cubic t = RobinsonCubic(kRobinsonPairs.distance, row),
+              start = RobinsonCubic(kRobinsonPairs.start, row);
+  const Lanes u = Y - t.c0;
+  const Lanes v = u * Poly(u, start.c0, start.c1, start.c2, start.c3);
+  // the cubic about the start, less Y, is -rest + slope e + s2 e^2 + c3 e^3; the series of its root e, whose next term
+  // is below 1e-16 degrees
+  const Lanes rest = u - v * Poly(v, t.c1, t.c2, t.c3);
+  const Lanes s2 = t.c2 + 3.0 * t.c3 * v;
+  const Lanes inverse = 1.0 / (t.c1 + v * (t.c2 + s2));
+  const Lanes h = rest * inverse, f2 = s2 * inverse, f3 = t.c3 * inverse, square = f2 * f2;
+  const Lanes d = v + h * Poly(h, 1.0, -f2, 2.0 * square - f3, -5.0 * f2 * (square - f3));
+  const Cubic length = RobinsonCubic(kRobinsonPairs.length, row);
+  const Lanes X = Poly(d, length.c0, length.c1, length.c2, length.c3);
   const Lanes phi = Clamp(i * kRobinsonStep + d * (1.0 / kRobinsonDegrees), kHalfPi);
   return {p.x / (kRobinsonX * c.a * X), Except(FlipSign(phi, p.y), outside, kNaN)};
 }

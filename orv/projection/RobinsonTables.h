@@ -25,4 +25,37 @@ extern const float kRobinsonDistance[kRobinsonNodes][kRobinsonTerms];
 extern const double kRobinsonLengthNodes[kRobinsonNodes];
 extern const double kRobinsonDistanceNodes[kRobinsonNodes];
 
+// ---- the same as the kernels read them -------------------------------------------------------------------
+
+/// In doubles and in pairs, each for all intervals: c0 c1 and c2 c3 of the distance; b1 b2 and b3 b4 of its inverse's
+/// start, d = b1 u + b2 u^2 + b3 u^3 + b4 u^4 with u = distance - c0; c0 c1 and c2 c3 of the length.
+struct RobinsonPairs {
+  double distance[2][kRobinsonIntervals][2];
+  double start[2][kRobinsonIntervals][2];
+  double length[2][kRobinsonIntervals][2];
+};
+extern const RobinsonPairs kRobinsonPairs;
+
+/// Stirling's formula to the second difference, Z = z0 + p z1 + p^2 z2 with p from 0 to 1, through the published nodes,
+/// which go on across the Equator: X[-1] = X[1], Y[-1] = -Y[1].
+///
+/// z0 = Z[i], z1 = (Z[i+1] - Z[i-1])/2, z2 = (Z[i+1] - 2 Z[i] + Z[i-1])/2.
+struct SterlingPairs {
+  double distance[kRobinsonIntervals][2];  // y0 y1
+  double length[kRobinsonIntervals][2];    // x0 x1
+  double seconds[kRobinsonIntervals][2];   // y2 x2
+};
+extern const SterlingPairs kSterlingPairs;
+
+/// The interval that a distance lies in.  Of the distances that are next to k/32, at most 1/64 away, those below `node`
+/// lie in interval `before` and the others in the one after it.
+struct RobinsonSearch {
+  struct {
+    double node;  // 2 where all lie in the same one
+    double before;
+  } at[33];
+};
+extern const RobinsonSearch kRobinsonSearch;  // in the cubics
+extern const RobinsonSearch kSterlingSearch;  // in the published nodes
+
 }  // namespace orv

@@ -399,6 +399,18 @@ TEST(Formulas, RobinsonInverseIsTheRootOfItsRow) {
   Compare(
       "Robinson inverse", c, K().robinson.inverse, Box(kPoints, -1.7e7, 1.7e7, -8.7e6, 8.7e6),
       [&](Pt p) { return RobinsonInverse(c, p); }, Always(2e-14));
+  // next to both ends of each row, half a metre and more away from where it passes into the next
+  std::vector<Pt> nodes;
+  for (int i = 0; i < orv::kRobinsonNodes; ++i) {
+    const double y = 1.3523000478744507 * c.a * static_cast<double>(orv::kRobinsonDistance[i][0]);
+    for (const double off : {0.5, 5.0, 5e3, 5e5}) {
+      nodes.push_back({1e7, y - off});
+      if (i < orv::kRobinsonIntervals) nodes.push_back({-1e7, -y - off});
+    }
+  }
+  Compare(
+      "Robinson inverse, nodes", c, K().robinson.inverse, nodes, [&](Pt p) { return RobinsonInverse(c, p); },
+      Always(2e-14));
 }
 
 Pt SterlingForward(const orv::RobinsonSterling& c, Pt p) {
@@ -413,7 +425,7 @@ Pt SterlingForward(const orv::RobinsonSterling& c, Pt p) {
 }
 
 TEST(Formulas, RobinsonSterlingIsStirlingsFormulaAndComesBack) {
-  const orv::RobinsonSterling c = MakeSterling(6378137, 0.4);
+  const orv::RobinsonSterling c = {6378137, 0.4};
   const std::vector<Pt> world = Box(kPoints, -4, 4, -kHalfPi, kHalfPi);
   Compare(
       "Robinson-Sterling forward", c, K().robinsonSterling.forward, world,

@@ -179,26 +179,6 @@ inline orv::Sinusoidal MakeSinusoidal(Ellipsoid el, double lon0) {
   return {el.f == 0, el.a, lon0, el.e2(), MakeArc(el)};
 }
 
-// Stirling's coefficients of the nodes, which go on across the Equator: lengths even, distances odd.
-inline orv::RobinsonSterling MakeSterling(double a, double lon0) {
-  orv::RobinsonSterling c{};
-  c.a = a;
-  c.lon0 = lon0;
-  const auto node = [](const double* nodes, int i, double sign) {
-    return i < 0 ? sign * nodes[-i] : nodes[i];
-  };
-  for (int i = 0; i < 18; ++i) {
-    const auto fill = [&](const double* nodes, double sign, double* z0, double* z1, double* z2) {
-      z0[i] = nodes[i];
-      z1[i] = (nodes[i + 1] - node(nodes, i - 1, sign)) / 2;
-      z2[i] = (nodes[i + 1] - 2 * nodes[i] + node(nodes, i - 1, sign)) / 2;
-    };
-    fill(orv::kRobinsonLengthNodes, 1, c.x0, c.x1, c.x2);
-    fill(orv::kRobinsonDistanceNodes, -1, c.y0, c.y1, c.y2);
-  }
-  return c;
-}
-
 inline orv::ObliqueMercator MakeOblique(double a, double k0, double lon1, double lat1, double lon2,
                                         double lat2) {
   const double lp = std::atan2(

@@ -215,7 +215,8 @@ std::vector<Work> AllWork(std::size_t n = 1500) {
   AddEngine(all, "eckert iv", orv::Eckert4{6378137, 0.2}, &KernelTable::eckert4, world);
   AddEngine(all, "eckert vi", orv::Eckert6{6378137, 0.2}, &KernelTable::eckert6, world);
   AddEngine(all, "robinson", orv::Robinson{6378137}, &KernelTable::robinson, world);
-  AddEngine(all, "robinson-sterling", MakeSterling(6378137, 0.2), &KernelTable::robinsonSterling, world);
+  AddEngine(all, "robinson-sterling", orv::RobinsonSterling{6378137, 0.2}, &KernelTable::robinsonSterling,
+            world);
   AddEngine(all, "van der grinten", orv::VanDerGrinten{6378137, 0.2}, &KernelTable::vanDerGrinten, world);
   for (const Ellipsoid el : {kClarke1866, kSphere}) {  // no scale, hence no inverse: K0 = 0
     AddEngine(all, "tm without scale", MakeTm(el, 0, 0.01, 0.4), &KernelTable::transverseMercator, zone);

@@ -4,7 +4,7 @@
 import struct
 from fractions import Fraction
 
-from mpmath import asin, cos, findroot, mp, mpf, pi, radians, sin, sqrt, tan
+from mpmath import asin, cos, findroot, mp, mpf, pi, polyroots, radians, sin, sqrt, tan
 
 mp.dps = 60
 A = mpf(6378137)
@@ -46,6 +46,17 @@ def van_der_grinten(lam, phi):
     return x, y
 
 
+def van_der_grinten_latitude(x, y):
+    """x, y: doubles, on a sphere of radius 1.  The smallest positive root of the cubic of (29-11) to (29-13)."""
+    X, Y = mpf(x) / pi, abs(mpf(y)) / pi
+    r2 = X * X + Y * Y
+    c1 = -Y * (1 + r2)
+    c2 = c1 - 2 * Y * Y + X * X
+    c3 = -2 * c1 + 1 + 2 * Y * Y + r2 * r2
+    roots = polyroots([c3, c2, c1, Y * Y], maxsteps=500, extraprec=300)
+    return pi * min(root.real for root in roots if root.real > 0 and abs(root.imag) < mpf(10) ** -25)
+
+
 def single(text):
     return Fraction(struct.unpack("f", struct.pack("f", float(text)))[0])
 
@@ -71,6 +82,11 @@ for name, f in (("Mollweide", mollweide), ("Eckert IV", eckert4), ("Eckert VI", 
         # the angles are doubles: phi as the library computes it
         lam, phi = mpf(lon * 3.141592653589793 / 180.0), mpf(lat * 3.141592653589793 / 180.0)
         show(name, lon, lat, f(lam, phi))
+
+# from the middle of the disc to its rim, where two roots of the cubic meet, the Equator and the poles
+for x, y in ((1.0, 1.5), (2.5, 1.9), (2.5, 1.9025), (2.5, 1.902525795), (2.5, 1.9025257951179), (0.25, 3.13162967),
+             (3.14, 0.1), (3.1415926535, 0.00002), (2.0, 1e-9), (1e-9, 3.1415), (1e-7, 3.14159265)):
+    print(f"Van der Grinten  {{{x!r}, {y!r}, {mp.nstr(van_der_grinten_latitude(x, y), 17)}}},")
 
 rad = lambda degrees: degrees * 3.141592653589793 / 180.0
 rows = {
