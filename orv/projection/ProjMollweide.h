@@ -11,7 +11,7 @@
 
 #include "orv/lanes/LaneMath.h"
 #include "orv/projection/InverseLimits.h"
-#include "orv/projection/NewtonSteps.h"
+#include "orv/projection/SmallSteps.h"
 
 namespace orv {
 

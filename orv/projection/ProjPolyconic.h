@@ -16,7 +16,7 @@
 #include "orv/lanes/Ellipsoid.h"
 #include "orv/projection/InverseLimits.h"
 #include "orv/projection/MeridianArc.h"
-#include "orv/projection/NewtonSteps.h"
+#include "orv/projection/SmallSteps.h"
 
 namespace orv {
 
