@@ -1,6 +1,7 @@
 #include "orv/core/ConfigFile.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdarg>
 #include <cstring>
 
@@ -31,10 +32,12 @@ struct KindTable {
 };
 constexpr KindTable kKinds;
 Kind KindOf(char c) { return kKinds.kinds[static_cast<unsigned char>(c)]; }
+bool IsQuote(char c) { return c == '"' || c == '\''; }
 
-// Stands behind the text, eight times, and ends what is white and what is plain.
-constexpr char kGuard = '}';
-constexpr size_t kGuards = 8;
+// What stands behind the text: eight braces, which end what is white and what is plain, then eight line feeds, which
+// end what is quoted.
+constexpr char kGuards[] = "}}}}}}}}\n\n\n\n\n\n\n\n";
+constexpr size_t kGuardsSize = sizeof kGuards - 1;
 
 const char* SkipWhite(const char* at) {
   constexpr char kLineOfEntry[] = "\n   ";  // how nearly every line begins
@@ -43,12 +46,56 @@ const char* SkipWhite(const char* at) {
   return at;
 }
 
+const char* SkipDigits(const char* at) {
+  for (;;) {
+    const size_t digits = internal::LeadingDigits(at);
+    at += digits;
+    if (digits < 8) return at;
+  }
+}
+
+// How many of eight folded characters, from the first on, are letters or digits.
+size_t LettersAndDigits(uint64_t eight) {
+  const uint64_t others =
+      (internal::Within(eight, 'a', 'z') | internal::Within(eight, '0', '9')) ^ 0x8080808080808080u;
+  return static_cast<size_t>(std::countl_zero(others)) / 8;
+}
+
 const char* SkipPlain(const char* at) {
   while (KindOf(*at) == Kind::Plain) {
-    if (*at++ != '.') continue;
-    while (internal::AreEightDigits(at)) at += 8;  // numbers have 20 decimals, mostly
+    if (*at++ == '.') at = SkipDigits(at);  // numbers have 20 decimals, mostly
   }
   return at;
+}
+
+// Bit 7 of each of eight characters that is another one than c.
+uint64_t Others(uint64_t eight, char c) {
+  constexpr uint64_t kEach = 0x0101010101010101u;
+  const uint64_t apart = eight ^ kEach * static_cast<unsigned char>(c);
+  return ((apart & kEach * 0x7f) + kEach * 0x7f) | apart;
+}
+
+// The first quote or line feed from `at` on, or the end of the text.
+const char* QuotedEnd(const char* at, const char* end, char quote) {
+  for (;; at += 8) {
+    const uint64_t eight = internal::EightAt(at);
+    const uint64_t found = ~(Others(eight, quote) & Others(eight, '\n')) & 0x8080808080808080u;
+    if (found != 0) return std::min(at + std::countl_zero(found) / 8, end);
+  }
+}
+
+// Reads a token that begins with a plain character, and gives its end.  A quoted one goes up to the same quote, which is
+// read, or to the line's end, which is not.
+const char* ReadPlain(const char* at, const char* end, std::string_view& token) {
+  if (!IsQuote(*at)) {
+    const char* const last = SkipPlain(at + 1);
+    token = {at, static_cast<size_t>(last - at)};
+    return last;
+  }
+  const char* const begin = at + 1;
+  const char* const last = QuotedEnd(begin, end, *at);
+  token = {begin, static_cast<size_t>(last - begin)};
+  return last != end && *last == *at ? last + 1 : last;
 }
 
 // The first line feed from `at` on, or the end of the text.
@@ -162,33 +209,23 @@ void ConfigFileReader::ReadAll(std::FILE* file) {
   const long length = told ? std::ftell(file) : 0;
   if (told) std::rewind(file);
   size_t room = std::max(kLeastRoom, static_cast<size_t>(std::max(length, 0L)) + 1), size = 0;
-  m_pText.reset(new char[room + kGuards]);
+  m_pText.reset(new char[room + kGuardsSize]);
   while (const size_t count = std::fread(m_pText.get() + size, 1, room - size, file)) {
     size += count;
     if (size < room) continue;
     room *= 2;
-    std::unique_ptr<char[]> larger(new char[room + kGuards]);
+    std::unique_ptr<char[]> larger(new char[room + kGuardsSize]);
     std::memcpy(larger.get(), m_pText.get(), size);
     m_pText = std::move(larger);
   }
   m_pAt = m_pText.get();
   m_pEnd = m_pAt + size;
-  std::memset(m_pText.get() + size, kGuard, kGuards);
+  std::memcpy(m_pText.get() + size, kGuards, kGuardsSize);
 }
 
 int ConfigFileReader::Line() const {
   const char* const text = m_pText.get();
   return 1 + static_cast<int>(std::count(text, m_pAt, '\n'));
-}
-
-// Up to the same quote, which is read, or to the line's end, which is not.
-void ConfigFileReader::TakeQuoted(const char* quote) {
-  const char* const begin = quote + 1;
-  const char* const lineEnd = LineEnd(begin, m_pEnd);
-  const void* const last = std::memchr(begin, *quote, static_cast<size_t>(lineEnd - begin));
-  const char* const end = last ? static_cast<const char*>(last) : lineEnd;
-  m_Token = {begin, static_cast<size_t>(end - begin)};
-  m_pAt = last ? end + 1 : end;
 }
 
 bool ConfigFileReader::Next() {
@@ -203,19 +240,31 @@ bool ConfigFileReader::Next() {
   m_pAt = at;
   if (at == m_pEnd) return false;
   if (KindOf(*at) == Kind::Plain) {
-    if (*at == '"' || *at == '\'') {
-      TakeQuoted(at);
-      return true;
-    }
-    m_pAt = SkipPlain(at + 1);
-    m_Token = {at, static_cast<size_t>(m_pAt - at)};
-    if (m_bUnescape && m_Token.find('\\') != std::string_view::npos) {
+    m_pAt = ReadPlain(at, m_pEnd, m_Token);
+    if (m_bUnescape && !IsQuote(*at) && m_Token.find('\\') != std::string_view::npos) {
       m_Token = m_Unescaped.emplace_back(Unescaped(m_Token));
     }
     return true;
   }
   m_Token = {at, 1};
   ++m_pAt;
+  return true;
+}
+
+bool ConfigFileReader::Peek(internal::PlainPair& pair) const {
+  if (m_bGivenBack || m_bUnescape || m_pAt == m_pEnd) return false;
+  const char* const key = SkipWhite(m_pAt);
+  const uint64_t eight = internal::Folded(internal::EightAt(key));
+  const char* equals = key + LettersAndDigits(eight);
+  while (KindOf(*equals) == Kind::Plain) ++equals;
+  if (*equals != '=' || equals == key || IsQuote(*key)) return false;
+  const char* value = equals + 1;
+  while (KindOf(*value) == Kind::White) ++value;
+  if (KindOf(*value) != Kind::Plain) return false;
+  const auto length = static_cast<size_t>(equals - key);
+  pair.key = {key, length};
+  pair.eight = length < 8 ? eight & ~(~uint64_t{0} >> 8 * length) : eight;
+  pair.pEnd = ReadPlain(value, m_pEnd, pair.value);
   return true;
 }
 
@@ -226,7 +275,7 @@ const internal::RecentNumbers::Number& internal::RecentNumbers::Find(std::string
     std::memcpy(&ends[1], text.data() + text.size() - 8, 8);
   }
   const uint64_t hash = (ends[0] ^ ends[1] << 1) * 0x9e3779b97f4a7c15u;
-  Number& number = m_Numbers[hash >> 55];  // one of 512
+  Number& number = m_Numbers[hash >> 53];  // one of 2048
   if (number.text == text && !text.empty()) return number;
   size_t end = 0;
   number.value = ReadDecimal(text, &end);

@@ -38,7 +38,15 @@ class RecentNumbers {
   void Clear() { m_Numbers = {}; }
 
  private:
-  std::array<Number, 512> m_Numbers;
+  std::array<Number, 2048> m_Numbers;
+};
+
+/// A pair in the form in which most are written: "=" stands where its key ends, and only white space before its value.
+struct PlainPair {
+  std::string_view key;
+  std::string_view value;
+  uint64_t eight = 0;          ///< the first characters of the folded key, see EightFolded
+  const char* pEnd = nullptr;  ///< what stands behind the value
 };
 
 }  // namespace internal
@@ -68,6 +76,13 @@ class ORV_API ConfigFileReader {
     m_Token = {m_pAt++, 1};
     return true;
   }
+  /// Looks for a pair in the plain form behind nothing but white space, and reads nothing.  Escapes are left to Next.
+  bool Peek(internal::PlainPair& pair) const;
+  /// Reads the pair that Peek has found; its value is the present token then.
+  void Take(const internal::PlainPair& pair) {
+    m_Token = pair.value;
+    m_pAt = pair.pEnd;
+  }
   /// Gives the present token back, so that Next reads it again.  One token only.
   void GiveBack() { m_bGivenBack = true; }
 
@@ -82,7 +97,6 @@ class ORV_API ConfigFileReader {
 
  private:
   void ReadAll(std::FILE* file);
-  void TakeQuoted(const char* quote);
 
   std::string m_FileName;
   bool m_bOpen = false;

@@ -297,23 +297,18 @@ void ReadNumbers(ConfigFileReader& reader, double* numbers, int count) {
   }
 }
 
-/// Whether the pair was the warp's.
-bool TakeWarp(WarpDraft& d, std::string_view key, std::string_view value, ConfigFileReader& reader) {
-  if (EqualIgnoringCase(key, "warp_coeff")) {
+void ReadWarp(KeyReader& w, WarpDraft& d) {
+  w.Reference("warp_method", "", d, &SetWarpMethod, "%s(%d):  Unknown warp method '%s'\n");
+  w.Tokens("warp_coeff", [&d](ConfigFileReader& reader) {
     ReadNumbers(reader, d.coefficients, 6);
     d.hasCoefficients = true;
-    return true;
-  }
-  if (EqualIgnoringCase(key, "warp_pt")) {
+  });
+  w.Tokens("warp_pt", [&d](ConfigFileReader& reader) {
     double xy[4] = {};
     ReadNumbers(reader, xy, 4);
     d.sources.emplace_back(xy[0], xy[1]);
     d.destinations.emplace_back(xy[2], xy[3]);
-    return true;
-  }
-  KeyReader keys(key, value, reader, OrvSite(__LINE__));
-  keys.Reference("warp_method", "", d, &SetWarpMethod, "%s(%d):  Unknown warp method '%s'\n");
-  return keys.Taken();
+  });
 }
 
 void WriteNumbers(ConfigFileWriter& writer, const char* key, const std::vector<double>& numbers) {
@@ -381,26 +376,24 @@ struct SystemEntry {
     const bool complete =
         ReadEntryBody(reader, kEntryTexts, site, [&](std::string_view key, std::string_view value) {
           KeyReader keys(key, value, reader, site);
+          const auto takes = [&keys](auto walk) {
+            const size_t before = keys.Taken();
+            walk();
+            return keys.Taken() > before;
+          };
           WalkHead(keys, d);
-          WalkTail(keys, d);
-          if (keys.Taken()) return;
           Guarded(reader, [&] {
-            WalkDatumReference(keys, datum, false);
-            if (keys.BeginsWith("datum_")) {  // one of WalkDatum's
-              datum.TakeToPieces();
-              WalkDatum(keys, datum, false);
-            }
-            if (keys.Taken()) {
-              seenDatum = true;
-              return;
-            }
-            WalkProjection(keys, projection);
-            if (keys.Taken()) {
-              seenProjection = true;
-            } else if (TakeWarp(warp, key, value, reader)) {
-              seenWarp = true;
-            }
+            seenWarp |= takes([&] { ReadWarp(keys, warp); });
+            seenDatum |= takes([&] {
+              WalkDatumReference(keys, datum, false);
+              if (keys.BeginsWith("datum_")) {  // one of WalkDatum's
+                datum.TakeToPieces();
+                WalkDatum(keys, datum, false);
+              }
+            });
+            seenProjection |= takes([&] { WalkProjection(keys, projection); });
           });
+          WalkTail(keys, d);
         });
     if (!complete) return;
     Guarded(reader, [&] {

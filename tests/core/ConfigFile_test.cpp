@@ -624,3 +624,56 @@ TEST(ConfigFileReader, ReadsAnyTextAsTheLineByLineModelDoes) {
       },
       400));
 }
+
+// Two readers of one text: the pairs that one of them sees at once are the tokens that the other reads.
+TEST(ConfigFileReader, PairsSeenAtOnceAreThoseThatTheirTokensMake) {
+  EXPECT_TRUE(orv::test::Holds(
+      [] {
+        const TempFolder folder;
+        const std::string text = orv::test::TextOf(
+            {'a', 'B', '1', '=', '=', '=', ';', '}', '"', '\'', ' ', '\n', '_', '.', '5', 'q', '\xFF', '\0'});
+        const std::string path = folder.Write("test.ocf", text);
+        ConfigFileReader pairs, tokens;
+        pairs.Open(path.c_str());
+        tokens.Open(path.c_str());
+        for (bool more = true; more;) {
+          orv::internal::PlainPair pair;
+          if (pairs.Peek(pair)) {
+            pairs.Take(pair);
+            ORV_HOLDS(tokens.Next() && tokens.Token() == pair.key);
+            ORV_HOLDS(pair.eight == orv::internal::EightFolded(pair.key));
+            ORV_HOLDS(tokens.Next() && tokens.Token() == "=");
+            more = tokens.Next();
+            ORV_HOLDS(more && tokens.Token() == pair.value);
+          } else {
+            more = tokens.Next();
+            ORV_HOLDS(pairs.Next() == more);
+          }
+          ORV_HOLDS(pairs.Token() == tokens.Token() && pairs.Line() == tokens.Line());
+        }
+      },
+      400));
+}
+
+TEST(ConfigFileReader, APairIsSeenAtOnceInItsPlainFormOnly) {
+  const auto value = [](const std::string& text, bool unescape = false) {
+    const TempFolder folder;
+    ConfigFileReader reader(unescape);
+    reader.Open(folder.Write("test.ocf", text).c_str());
+    orv::internal::PlainPair pair;
+    const bool seen = reader.Peek(pair);
+    EXPECT_TRUE(reader.Next());
+    reader.GiveBack();
+    EXPECT_FALSE(reader.Peek(pair)) << "the token given back is next";
+    return seen ? std::string(pair.value) : "none";
+  };
+  EXPECT_EQ(value("a=b"), "b");
+  EXPECT_EQ(value("\n   long_key_and_more= \t\n-17.123456789012345678 x"), "-17.123456789012345678");
+  EXPECT_EQ(value("a=\"b = c\"d"), "b = c");
+  EXPECT_EQ(value("a='"), "");
+  EXPECT_EQ(value("a=\"12345678901234567890"), "12345678901234567890");
+  for (const char* const text : {"a =b", "a==", "a=}", "a=;b\nc", "'a'=b", "; c\na=b", "=b", "a", "a="}) {
+    EXPECT_EQ(value(text), "none") << text;
+  }
+  EXPECT_EQ(value("a=b", true), "none") << "escapes are left to Next";
+}

@@ -70,6 +70,12 @@ bool ReadEntryBody(ConfigFileReader& reader, const EntryTexts& texts, const Erro
     return ORV_FAIL_AT(site, ErrSyntax, texts.unexpectedEnd, reader.FileName(), reader.Line());
   };
   for (;;) {
+    PlainPair pair;
+    if (reader.Peek(pair)) {
+      reader.Take(pair);
+      take(pair.key, pair.value);
+      continue;
+    }
     if (!reader.Next()) return unexpectedEnd();
     if (reader.Token() == "}") return true;
     const std::string_view key = reader.Token();
@@ -107,98 +113,114 @@ struct KeyName {
   uint64_t eight;  // the first characters
 };
 
-/// Offers one pair to an entry's keys.
+/// Offers a pair to an entry's keys: the present one of the reader and, when a key has taken it, the one that follows, as long
+/// as these have the plain form.  Pairs in the order of the keys are all taken in one walk.
 class KeyReader {
  public:
   KeyReader(std::string_view key, std::string_view value, ConfigFileReader& reader, const ErrorSite& site)
-      : m_Key(key), m_Eight(EightFolded(key)), m_Value(value), m_Reader(reader), m_Site(site) {}
+      : m_Pair{key, value, EightFolded(key), nullptr}, m_Reader(reader), m_Site(site) {}
 
   void Text(KeyName key, std::string& value, bool = true) {
-    if (Takes(key)) value = std::string(m_Value);
+    On(key, [&] { value = std::string(m_Pair.value); });
   }
   void Number(KeyName key, const char*, double& value, bool = true) {
-    if (Takes(key)) value = m_Reader.Decimal(m_Value).value;
+    On(key, [&] { value = m_Reader.Decimal(m_Pair.value).value; });
   }
   /// The same, or a text that parse(value, text) understands.
   void NumberOr(KeyName key, double& value, void (*parse)(double& value, std::string_view text)) {
-    if (!Takes(key)) return;
-    const RecentNumbers::Number& number = m_Reader.Decimal(m_Value);
-    if (number.isWhole) {
-      value = number.value;
-    } else {
-      parse(value, m_Value);
-    }
+    On(key, [&] {
+      const RecentNumbers::Number& number = m_Reader.Decimal(m_Pair.value);
+      if (number.isWhole) {
+        value = number.value;
+      } else {
+        parse(value, m_Pair.value);
+      }
+    });
   }
   void Int(KeyName key, int& value, bool = true) {
-    if (Takes(key)) value = ReadInteger(m_Value);
+    On(key, [&] { value = ReadInteger(m_Pair.value); });
   }
   /// "true" without regard to case sets the flag, every other text clears it.
   void Flag(KeyName key, bool& value, bool = true) {
-    if (Takes(key)) value = IsTrue();
+    On(key, [&] { value = IsTrue(); });
   }
   /// A name of a vocabulary; one that stands in no row raises `unknown` (1029, with file, line and the
   /// value).
   template <class E, class Rows>
   void Named(KeyName key, E& value, const Rows& vocabulary, const char* unknown, bool = true) {
-    if (Takes(key)) TakeNamed(value, vocabulary, unknown);
+    On(key, [&] {
+      const auto* const row = RowNamed(vocabulary, m_Pair.value);
+      if (row) {
+        value = row->number;
+      } else {
+        Complain(unknown);
+      }
+    });
   }
   template <class Self>
   void Derived(KeyName key, const char*, Self& self, double (*)(const Self&), void (*set)(Self&, double),
                bool = true) {
-    if (Takes(key)) set(self, m_Reader.Decimal(m_Value).value);
+    On(key, [&] { set(self, m_Reader.Decimal(m_Pair.value).value); });
   }
   template <class Self>
   void ReadOnly(KeyName key, Self& self, void (*set)(Self&, double)) {
-    if (Takes(key)) set(self, m_Reader.Decimal(m_Value).value);
+    On(key, [&] { set(self, m_Reader.Decimal(m_Pair.value).value); });
   }
   /// A number whose text only the caller understands: parse(self, text) gives false to raise `bad` (1029,
   /// with file, line and the text).  It is written by `format` as it is.
   template <class Self>
   void Parsed(KeyName key, const char*, Self& self, double, bool (*parse)(Self&, std::string_view),
               const char* bad) {
-    if (Takes(key) && !parse(self, m_Value)) Complain(bad);
+    On(key, [&] {
+      if (!parse(self, m_Pair.value)) Complain(bad);
+    });
   }
   /// The token of an entry of another list: take(self, token) gives false, when that list has no such entry,
   /// to raise `unknown` (1029, with file, line and the token).
   template <class Self>
   void Reference(KeyName key, const std::string&, Self& self, bool (*take)(Self&, std::string_view),
                  const char* unknown, bool = true) {
-    if (Takes(key) && !take(self, m_Value)) Complain(unknown);
+    On(key, [&] {
+      if (!take(self, m_Pair.value)) Complain(unknown);
+    });
+  }
+  /// A value of several tokens: take(reader) reads those behind the present one.
+  template <class Take>
+  void Tokens(KeyName key, Take take) {
+    On(key, [&] { take(m_Reader); });
   }
 
   /// Whether the pair's key begins with these six characters and has more.
-  bool BeginsWith(KeyName six) const { return m_Key.size() > 6 && (m_Eight ^ six.eight) >> 16 == 0; }
-  /// Whether one of the keys offered so far was the pair's.
-  bool Taken() const { return m_Taken; }
+  bool BeginsWith(KeyName six) const {
+    return m_Pair.key.size() > 6 && (m_Pair.eight ^ six.eight) >> 16 == 0;
+  }
+  /// How many pairs have been taken.
+  size_t Taken() const { return m_Taken; }
 
  private:
   // Nearly every key that is offered is another one: what follows a match is kept out of line.
-  bool Takes(KeyName key) { return m_Eight == key.eight && TakesWhole(key.text); }
+  bool Takes(KeyName key) { return m_Pair.eight == key.eight && TakesWhole(key.text); }
   bool TakesWhole(std::string_view key);
-  bool IsTrue() const;
-  template <class E, class Rows>
-  void TakeNamed(E& value, const Rows& vocabulary, const char* unknown) {
-    const auto* const row = RowNamed(vocabulary, m_Value);
-    if (row) {
-      value = row->number;
-    } else {
-      Complain(unknown);
-    }
+  void Follow();
+  template <class Work>
+  void On(KeyName key, Work work) {
+    if (!Takes(key)) return;
+    work();
+    Follow();
   }
+  bool IsTrue() const;
   void Complain(const char* message);
 
-  std::string_view m_Key;
-  uint64_t m_Eight;
-  std::string_view m_Value;
+  PlainPair m_Pair;  // one without an end is the reader's present one; an empty one no key takes
   ConfigFileReader& m_Reader;
   ErrorSite m_Site;
-  bool m_Taken = false;
+  size_t m_Taken = 0;
 };
 
 class KeyWriter;
 
-/// What only a writer asks for need not be computed for a reader, which walks all keys for each pair of an
-/// entry.
+/// What only a writer asks for need not be computed for a reader, which walks all keys for each entry, if not for each pair of
+/// it.
 template <class Walker>
 constexpr bool kWriting = std::is_same_v<Walker, KeyWriter>;
 

@@ -14,7 +14,11 @@ namespace {
 bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') < 10; }
 
 const char* SkipDigits(const char* at, const char* end) {
-  while (end - at >= 8 && AreEightDigits(at)) at += 8;
+  while (end - at >= 8) {
+    const size_t digits = LeadingDigits(at);
+    at += digits;
+    if (digits < 8) return at;
+  }
   while (at != end && IsDigit(*at)) ++at;
   return at;
 }
