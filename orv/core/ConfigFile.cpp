@@ -39,9 +39,9 @@ bool IsQuote(char c) { return c == '"' || c == '\''; }
 constexpr char kGuards[] = "}}}}}}}}\n\n\n\n\n\n\n\n";
 constexpr size_t kGuardsSize = sizeof kGuards - 1;
 
-const char* SkipWhite(const char* at) {
-  constexpr char kLineOfEntry[] = "\n   ";  // how nearly every line begins
-  if (std::memcmp(at, kLineOfEntry, 4) == 0) at += 4;
+inline const char* SkipWhite(const char* at) {
+  if (internal::EightAt(at) >> 32 == 0x0a202020)
+    at += 4;  // a line feed and three blanks begin nearly every line
   while (KindOf(*at) == Kind::White) ++at;
   return at;
 }
@@ -82,20 +82,6 @@ const char* QuotedEnd(const char* at, const char* end, char quote) {
     const uint64_t found = ~(Others(eight, quote) & Others(eight, '\n')) & 0x8080808080808080u;
     if (found != 0) return std::min(at + std::countl_zero(found) / 8, end);
   }
-}
-
-// Reads a token that begins with a plain character, and gives its end.  A quoted one goes up to the same quote, which is
-// read, or to the line's end, which is not.
-const char* ReadPlain(const char* at, const char* end, std::string_view& token) {
-  if (!IsQuote(*at)) {
-    const char* const last = SkipPlain(at + 1);
-    token = {at, static_cast<size_t>(last - at)};
-    return last;
-  }
-  const char* const begin = at + 1;
-  const char* const last = QuotedEnd(begin, end, *at);
-  token = {begin, static_cast<size_t>(last - begin)};
-  return last != end && *last == *at ? last + 1 : last;
 }
 
 // The first line feed from `at` on, or the end of the text.
@@ -228,6 +214,19 @@ int ConfigFileReader::Line() const {
   return 1 + static_cast<int>(std::count(text, m_pAt, '\n'));
 }
 
+// A quoted token goes up to the same quote, which is read, or to the line's end, which is not.
+void ConfigFileReader::ReadPlain(const char* at) {
+  const char* begin = at;
+  if (IsQuote(*at)) {
+    m_pAt = QuotedEnd(++begin, m_pEnd, *at);
+    m_Token = {begin, static_cast<size_t>(m_pAt - begin)};
+    if (m_pAt != m_pEnd && *m_pAt == *at) ++m_pAt;
+  } else {
+    m_pAt = SkipPlain(at + 1);
+    m_Token = {begin, static_cast<size_t>(m_pAt - begin)};
+  }
+}
+
 bool ConfigFileReader::Next() {
   if (m_bGivenBack) {
     m_bGivenBack = false;
@@ -240,7 +239,7 @@ bool ConfigFileReader::Next() {
   m_pAt = at;
   if (at == m_pEnd) return false;
   if (KindOf(*at) == Kind::Plain) {
-    m_pAt = ReadPlain(at, m_pEnd, m_Token);
+    ReadPlain(at);
     if (m_bUnescape && !IsQuote(*at) && m_Token.find('\\') != std::string_view::npos) {
       m_Token = m_Unescaped.emplace_back(Unescaped(m_Token));
     }
@@ -251,20 +250,22 @@ bool ConfigFileReader::Next() {
   return true;
 }
 
-bool ConfigFileReader::Peek(internal::PlainPair& pair) const {
+bool ConfigFileReader::Peek(internal::KeyAhead& ahead) const {
   if (m_bGivenBack || m_bUnescape || m_pAt == m_pEnd) return false;
   const char* const key = SkipWhite(m_pAt);
   const uint64_t eight = internal::Folded(internal::EightAt(key));
-  const char* equals = key + LettersAndDigits(eight);
+  const size_t least = LettersAndDigits(eight);
+  if (least == 0) return false;
+  const char* equals = key + least;
   while (KindOf(*equals) == Kind::Plain) ++equals;
-  if (*equals != '=' || equals == key || IsQuote(*key)) return false;
+  if (*equals != '=') return false;
   const char* value = equals + 1;
   while (KindOf(*value) == Kind::White) ++value;
   if (KindOf(*value) != Kind::Plain) return false;
   const auto length = static_cast<size_t>(equals - key);
-  pair.key = {key, length};
-  pair.eight = length < 8 ? eight & ~(~uint64_t{0} >> 8 * length) : eight;
-  pair.pEnd = ReadPlain(value, m_pEnd, pair.value);
+  ahead.key = {key, length};
+  ahead.eight = length < 8 ? eight & ~(~uint64_t{0} >> 8 * length) : eight;
+  ahead.pValue = value;
   return true;
 }
 

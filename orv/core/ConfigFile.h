@@ -41,12 +41,12 @@ class RecentNumbers {
   std::array<Number, 2048> m_Numbers;
 };
 
-/// A pair in the form in which most are written: "=" stands where its key ends, and only white space before its value.
-struct PlainPair {
+/// A key that stands next in a file, in the form of most: it begins with a letter or a digit, "=" stands where it ends, and a
+/// value behind that, both after nothing but white space.
+struct KeyAhead {
   std::string_view key;
-  std::string_view value;
-  uint64_t eight = 0;          ///< the first characters of the folded key, see EightFolded
-  const char* pEnd = nullptr;  ///< what stands behind the value
+  uint64_t eight = 0;  ///< its first characters folded, see EightFolded
+  const char* pValue = nullptr;
 };
 
 }  // namespace internal
@@ -76,13 +76,10 @@ class ORV_API ConfigFileReader {
     m_Token = {m_pAt++, 1};
     return true;
   }
-  /// Looks for a pair in the plain form behind nothing but white space, and reads nothing.  Escapes are left to Next.
-  bool Peek(internal::PlainPair& pair) const;
-  /// Reads the pair that Peek has found; its value is the present token then.
-  void Take(const internal::PlainPair& pair) {
-    m_Token = pair.value;
-    m_pAt = pair.pEnd;
-  }
+  /// Looks for a key in that form and reads nothing.  Escapes are left to Next.
+  bool Peek(internal::KeyAhead& ahead) const;
+  /// Reads the key that Peek has found last, "=" and the value, which is the present token then.
+  void Take(const internal::KeyAhead& ahead) { ReadPlain(ahead.pValue); }
   /// Gives the present token back, so that Next reads it again.  One token only.
   void GiveBack() { m_bGivenBack = true; }
 
@@ -97,6 +94,8 @@ class ORV_API ConfigFileReader {
 
  private:
   void ReadAll(std::FILE* file);
+  /// Reads the token at a plain character.
+  void ReadPlain(const char* at);
 
   std::string m_FileName;
   bool m_bOpen = false;

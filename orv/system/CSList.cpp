@@ -95,6 +95,9 @@ int Score(const CSDef& cs, const CSDef& system) {
 /// The kind that an entry begins with, as an empty system; null after a report.  The opening brace has been
 /// read; what does not belong to the kind is given back.
 std::unique_ptr<CSDef> ReadKind(ConfigFileReader& reader) {
+  internal::KeyAhead first;
+  if (reader.Peek(first) && !internal::EqualIgnoringCase(first.key, "type"))
+    return std::make_unique<ORVDef>();
   const auto next = [&reader] {
     return reader.Next() ||
            ORV_FAIL(ErrSyntax, internal::kEntryTexts.unexpectedEnd, reader.FileName(), reader.Line());

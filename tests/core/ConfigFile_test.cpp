@@ -625,8 +625,8 @@ TEST(ConfigFileReader, ReadsAnyTextAsTheLineByLineModelDoes) {
       400));
 }
 
-// Two readers of one text: the pairs that one of them sees at once are the tokens that the other reads.
-TEST(ConfigFileReader, PairsSeenAtOnceAreThoseThatTheirTokensMake) {
+// Two readers of one text: the pairs that one of them takes at once are the tokens that the other reads.
+TEST(ConfigFileReader, PairsTakenAtOnceAreThoseThatTheirTokensMake) {
   EXPECT_TRUE(orv::test::Holds(
       [] {
         const TempFolder folder;
@@ -637,14 +637,13 @@ TEST(ConfigFileReader, PairsSeenAtOnceAreThoseThatTheirTokensMake) {
         pairs.Open(path.c_str());
         tokens.Open(path.c_str());
         for (bool more = true; more;) {
-          orv::internal::PlainPair pair;
-          if (pairs.Peek(pair)) {
-            pairs.Take(pair);
-            ORV_HOLDS(tokens.Next() && tokens.Token() == pair.key);
-            ORV_HOLDS(pair.eight == orv::internal::EightFolded(pair.key));
+          orv::internal::KeyAhead ahead;
+          if (pairs.Peek(ahead)) {
+            pairs.Take(ahead);
+            ORV_HOLDS(tokens.Next() && tokens.Token() == ahead.key);
+            ORV_HOLDS(ahead.eight == orv::internal::EightFolded(ahead.key));
             ORV_HOLDS(tokens.Next() && tokens.Token() == "=");
-            more = tokens.Next();
-            ORV_HOLDS(more && tokens.Token() == pair.value);
+            ORV_HOLDS(tokens.Next());
           } else {
             more = tokens.Next();
             ORV_HOLDS(pairs.Next() == more);
@@ -655,24 +654,28 @@ TEST(ConfigFileReader, PairsSeenAtOnceAreThoseThatTheirTokensMake) {
       400));
 }
 
-TEST(ConfigFileReader, APairIsSeenAtOnceInItsPlainFormOnly) {
+TEST(ConfigFileReader, AKeyAheadIsSeenInItsPlainFormOnly) {
   const auto value = [](const std::string& text, bool unescape = false) {
     const TempFolder folder;
     ConfigFileReader reader(unescape);
     reader.Open(folder.Write("test.ocf", text).c_str());
-    orv::internal::PlainPair pair;
-    const bool seen = reader.Peek(pair);
+    orv::internal::KeyAhead ahead;
+    if (!reader.Peek(ahead)) return std::string("none");
     EXPECT_TRUE(reader.Next());
+    EXPECT_EQ(reader.Token(), ahead.key) << "Peek reads nothing";
     reader.GiveBack();
-    EXPECT_FALSE(reader.Peek(pair)) << "the token given back is next";
-    return seen ? std::string(pair.value) : "none";
+    orv::internal::KeyAhead again;
+    EXPECT_FALSE(reader.Peek(again)) << "the token given back is next";
+    for (int token = 0; token < 3; ++token) EXPECT_TRUE(reader.Next());
+    return std::string(reader.Token());
   };
   EXPECT_EQ(value("a=b"), "b");
   EXPECT_EQ(value("\n   long_key_and_more= \t\n-17.123456789012345678 x"), "-17.123456789012345678");
   EXPECT_EQ(value("a=\"b = c\"d"), "b = c");
   EXPECT_EQ(value("a='"), "");
   EXPECT_EQ(value("a=\"12345678901234567890"), "12345678901234567890");
-  for (const char* const text : {"a =b", "a==", "a=}", "a=;b\nc", "'a'=b", "; c\na=b", "=b", "a", "a="}) {
+  for (const char* const text :
+       {"a =b", "a==", "a=}", "a=;b\nc", "'a'=b", "; c\na=b", "=b", "_a=b", "a", "a="}) {
     EXPECT_EQ(value(text), "none") << text;
   }
   EXPECT_EQ(value("a=b", true), "none") << "escapes are left to Next";

@@ -25,26 +25,28 @@ bool CreateListFile(ConfigFileWriter& writer, const ListFile& file, const char* 
 }
 
 bool KeyReader::TakesWhole(std::string_view key) {
-  const std::string_view own = m_Pair.key;
+  const std::string_view own = m_Key.key;
   if (own.size() != key.size()) return false;
   if (own.size() > 8 && !EqualIgnoringCase(own.substr(8), key.substr(8)))
     return false;  // eight are equal already
-  if (m_Pair.pEnd) m_Reader.Take(m_Pair);
+  if (m_Key.pValue) {
+    m_Reader.Take(m_Key);
+    m_Value = m_Reader.Token();
+  }
   return true;
 }
 
 void KeyReader::Follow() {
   ++m_Taken;
-  if (!m_Reader.Peek(m_Pair)) m_Pair = {};
+  if (!m_Reader.Peek(m_Key)) m_Key = {};
 }
 
 bool KeyReader::IsTrue() const {
-  return EqualIgnoringCase(m_Pair.value.substr(0, m_Pair.value.find('\0')), std::string_view("true"));
+  return EqualIgnoringCase(m_Value.substr(0, m_Value.find('\0')), std::string_view("true"));
 }
 
 void KeyReader::Complain(const char* message) {
-  ORV_FAIL_AT(m_Site, ErrSyntax, message, m_Reader.FileName(), m_Reader.Line(),
-              std::string(m_Pair.value).c_str());
+  ORV_FAIL_AT(m_Site, ErrSyntax, message, m_Reader.FileName(), m_Reader.Line(), std::string(m_Value).c_str());
 }
 
 }  // namespace orv::internal

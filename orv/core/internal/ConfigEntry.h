@@ -70,10 +70,10 @@ bool ReadEntryBody(ConfigFileReader& reader, const EntryTexts& texts, const Erro
     return ORV_FAIL_AT(site, ErrSyntax, texts.unexpectedEnd, reader.FileName(), reader.Line());
   };
   for (;;) {
-    PlainPair pair;
-    if (reader.Peek(pair)) {
-      reader.Take(pair);
-      take(pair.key, pair.value);
+    KeyAhead ahead;
+    if (reader.Peek(ahead)) {
+      reader.Take(ahead);
+      take(ahead.key, reader.Token());
       continue;
     }
     if (!reader.Next()) return unexpectedEnd();
@@ -113,32 +113,32 @@ struct KeyName {
   uint64_t eight;  // the first characters
 };
 
-/// Offers a pair to an entry's keys: the present one of the reader and, when a key has taken it, the one that follows, as long
-/// as these have the plain form.  Pairs in the order of the keys are all taken in one walk.
+/// Offers a pair to an entry's keys: the one that the reader has just read and, when a key has taken that, the one that
+/// follows, as long as Peek finds these.  Pairs in the order of the keys are all taken in one walk.
 class KeyReader {
  public:
   KeyReader(std::string_view key, std::string_view value, ConfigFileReader& reader, const ErrorSite& site)
-      : m_Pair{key, value, EightFolded(key), nullptr}, m_Reader(reader), m_Site(site) {}
+      : m_Key{key, EightFolded(key), nullptr}, m_Value(value), m_Reader(reader), m_Site(site) {}
 
   void Text(KeyName key, std::string& value, bool = true) {
-    On(key, [&] { value = std::string(m_Pair.value); });
+    On(key, [&] { value = std::string(m_Value); });
   }
   void Number(KeyName key, const char*, double& value, bool = true) {
-    On(key, [&] { value = m_Reader.Decimal(m_Pair.value).value; });
+    On(key, [&] { value = m_Reader.Decimal(m_Value).value; });
   }
   /// The same, or a text that parse(value, text) understands.
   void NumberOr(KeyName key, double& value, void (*parse)(double& value, std::string_view text)) {
     On(key, [&] {
-      const RecentNumbers::Number& number = m_Reader.Decimal(m_Pair.value);
+      const RecentNumbers::Number& number = m_Reader.Decimal(m_Value);
       if (number.isWhole) {
         value = number.value;
       } else {
-        parse(value, m_Pair.value);
+        parse(value, m_Value);
       }
     });
   }
   void Int(KeyName key, int& value, bool = true) {
-    On(key, [&] { value = ReadInteger(m_Pair.value); });
+    On(key, [&] { value = ReadInteger(m_Value); });
   }
   /// "true" without regard to case sets the flag, every other text clears it.
   void Flag(KeyName key, bool& value, bool = true) {
@@ -149,7 +149,7 @@ class KeyReader {
   template <class E, class Rows>
   void Named(KeyName key, E& value, const Rows& vocabulary, const char* unknown, bool = true) {
     On(key, [&] {
-      const auto* const row = RowNamed(vocabulary, m_Pair.value);
+      const auto* const row = RowNamed(vocabulary, m_Value);
       if (row) {
         value = row->number;
       } else {
@@ -160,11 +160,11 @@ class KeyReader {
   template <class Self>
   void Derived(KeyName key, const char*, Self& self, double (*)(const Self&), void (*set)(Self&, double),
                bool = true) {
-    On(key, [&] { set(self, m_Reader.Decimal(m_Pair.value).value); });
+    On(key, [&] { set(self, m_Reader.Decimal(m_Value).value); });
   }
   template <class Self>
   void ReadOnly(KeyName key, Self& self, void (*set)(Self&, double)) {
-    On(key, [&] { set(self, m_Reader.Decimal(m_Pair.value).value); });
+    On(key, [&] { set(self, m_Reader.Decimal(m_Value).value); });
   }
   /// A number whose text only the caller understands: parse(self, text) gives false to raise `bad` (1029,
   /// with file, line and the text).  It is written by `format` as it is.
@@ -172,7 +172,7 @@ class KeyReader {
   void Parsed(KeyName key, const char*, Self& self, double, bool (*parse)(Self&, std::string_view),
               const char* bad) {
     On(key, [&] {
-      if (!parse(self, m_Pair.value)) Complain(bad);
+      if (!parse(self, m_Value)) Complain(bad);
     });
   }
   /// The token of an entry of another list: take(self, token) gives false, when that list has no such entry,
@@ -181,7 +181,7 @@ class KeyReader {
   void Reference(KeyName key, const std::string&, Self& self, bool (*take)(Self&, std::string_view),
                  const char* unknown, bool = true) {
     On(key, [&] {
-      if (!take(self, m_Pair.value)) Complain(unknown);
+      if (!take(self, m_Value)) Complain(unknown);
     });
   }
   /// A value of several tokens: take(reader) reads those behind the present one.
@@ -191,15 +191,13 @@ class KeyReader {
   }
 
   /// Whether the pair's key begins with these six characters and has more.
-  bool BeginsWith(KeyName six) const {
-    return m_Pair.key.size() > 6 && (m_Pair.eight ^ six.eight) >> 16 == 0;
-  }
+  bool BeginsWith(KeyName six) const { return m_Key.key.size() > 6 && (m_Key.eight ^ six.eight) >> 16 == 0; }
   /// How many pairs have been taken.
   size_t Taken() const { return m_Taken; }
 
  private:
   // Nearly every key that is offered is another one: what follows a match is kept out of line.
-  bool Takes(KeyName key) { return m_Pair.eight == key.eight && TakesWhole(key.text); }
+  bool Takes(KeyName key) { return m_Key.eight == key.eight && TakesWhole(key.text); }
   bool TakesWhole(std::string_view key);
   void Follow();
   template <class Work>
@@ -211,7 +209,8 @@ class KeyReader {
   bool IsTrue() const;
   void Complain(const char* message);
 
-  PlainPair m_Pair;  // one without an end is the reader's present one; an empty one no key takes
+  KeyAhead m_Key;            // one without a value has been read; no key takes an empty one
+  std::string_view m_Value;  // of a key that has been read
   ConfigFileReader& m_Reader;
   ErrorSite m_Site;
   size_t m_Taken = 0;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include "orv/core/internal/Dump.h"
@@ -16,6 +17,7 @@ template <class Info, const char* (Info::*Get)() const>
 struct TextKey {
   static const char* Of(const Info& info) { return EmptyIfNull((info.*Get)()); }
   static int Compare(const char* a, const char* b) { return CompareIgnoringCase(a, b); }
+  static bool Equal(const char* a, const char* b) { return std::strcmp(a, b) == 0 || Compare(a, b) == 0; }
   static uint64_t Hash(const char* text) { return HashIgnoringCase(text); }
   template <class Of>
   static void Sort(std::vector<uint32_t>::iterator first, std::vector<uint32_t>::iterator last, Of of) {
@@ -32,7 +34,9 @@ template <class Info, int (Info::*Get)() const>
 struct NumberKey {
   static int Of(const Info& info) { return (info.*Get)(); }
   static int Compare(int a, int b) { return a > b ? 1 : a < b ? -1 : 0; }
-  static uint64_t Hash(int number) { return static_cast<uint64_t>(number); }
+  static bool Equal(int a, int b) { return a == b; }
+  // Numbers mostly follow each other, their hashes must not.
+  static uint64_t Hash(int number) { return static_cast<uint64_t>(number) * 0x9e3779b97f4a7c15u >> 32; }
   template <class Of>
   static void Sort(std::vector<uint32_t>::iterator first, std::vector<uint32_t>::iterator last, Of of) {
     std::stable_sort(first, last, [&of](uint32_t a, uint32_t b) { return of(a) < of(b); });

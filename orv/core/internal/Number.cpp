@@ -11,6 +11,7 @@ namespace orv::internal {
 
 namespace {
 
+bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') < 10; }
 
 const char* SkipDigits(const char* at, const char* end) {
@@ -110,8 +111,9 @@ double ReadDecimal(std::string_view text, size_t* end) {
 }
 
 int ReadInteger(std::string_view text) {
-  size_t at = text.find_first_not_of(" \t\n\v\f\r");
-  if (at == std::string_view::npos) return 0;
+  size_t at = 0;
+  while (at < text.size() && IsSpace(text[at])) ++at;
+  if (at == text.size()) return 0;
   bool negative = false;
   if (text[at] == '+' || text[at] == '-') negative = text[at++] == '-';
   int64_t value = 0;

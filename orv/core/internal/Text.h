@@ -64,14 +64,19 @@ constexpr uint64_t Folded(uint64_t eight) { return eight | Within(eight, 'A', 'Z
 constexpr uint64_t EightFolded(std::string_view text) { return Folded(FirstEight(text)); }
 
 /// A number that texts share which are equal without regard to case.
-constexpr uint64_t HashIgnoringCase(std::string_view text) {
+inline uint64_t HashIgnoringCase(std::string_view text) {
   uint64_t hash = text.size();
   const auto take = [&hash](uint64_t eight) {
     hash = (hash ^ (eight | 0x2020202020202020u)) * 0x9e3779b97f4a7c15u;  // the bit that tells 'A' from 'a'
     hash ^= hash >> 32;
   };
-  for (size_t at = 0; at + 8 < text.size(); at += 8) take(FirstEight(text.substr(at, 8)));
-  take(FirstEight(text.substr(text.size() > 8 ? text.size() - 8 : 0)));  // which may overlap
+  if (text.size() < 8) {
+    take(FirstEight(text));
+    return hash;
+  }
+  const char* const last = text.data() + text.size() - 8;
+  for (const char* at = text.data(); at < last; at += 8) take(EightAt(at));
+  take(EightAt(last));  // which may overlap
   return hash;
 }
 
