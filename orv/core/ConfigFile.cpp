@@ -54,13 +54,6 @@ const char* SkipDigits(const char* at) {
   }
 }
 
-// How many of eight folded characters, from the first on, are letters or digits.
-size_t LettersAndDigits(uint64_t eight) {
-  const uint64_t others =
-      (internal::Within(eight, 'a', 'z') | internal::Within(eight, '0', '9')) ^ 0x8080808080808080u;
-  return static_cast<size_t>(std::countl_zero(others)) / 8;
-}
-
 const char* SkipPlain(const char* at) {
   while (KindOf(*at) == Kind::Plain) {
     if (*at++ == '.') at = SkipDigits(at);  // numbers have 20 decimals, mostly
@@ -166,8 +159,7 @@ bool ConfigFileReader::TryOpen(const char* fileName) {
   }
   m_FileName = fileName;
   m_Token = {};
-  m_bGivenBack = false;
-  m_pAt = m_pEnd = nullptr;
+  m_pAt = m_pToken = m_pEnd = nullptr;
   std::FILE* const file = platform::OpenFile(m_FileName.c_str(), "rb");
   if (!file) return false;
   m_bOpen = true;
@@ -187,7 +179,7 @@ void ConfigFileReader::Close() {
   m_pText.reset();
   m_Unescaped.clear();
   m_Numbers.Clear();
-  m_pAt = m_pEnd = nullptr;
+  m_pAt = m_pToken = m_pEnd = nullptr;
 }
 
 void ConfigFileReader::ReadAll(std::FILE* file) {
@@ -228,15 +220,11 @@ void ConfigFileReader::ReadPlain(const char* at) {
 }
 
 bool ConfigFileReader::Next() {
-  if (m_bGivenBack) {
-    m_bGivenBack = false;
-    return true;
-  }
   m_Token = {};
   if (m_pAt == m_pEnd) return false;
   const char* at = SkipWhite(m_pAt);
   while (*at == ';') at = SkipWhite(LineEnd(at, m_pEnd));  // comments
-  m_pAt = at;
+  m_pAt = m_pToken = at;
   if (at == m_pEnd) return false;
   if (KindOf(*at) == Kind::Plain) {
     ReadPlain(at);
@@ -250,22 +238,12 @@ bool ConfigFileReader::Next() {
   return true;
 }
 
-bool ConfigFileReader::Peek(internal::KeyAhead& ahead) const {
-  if (m_bGivenBack || m_bUnescape || m_pAt == m_pEnd) return false;
-  const char* const key = SkipWhite(m_pAt);
-  const uint64_t eight = internal::Folded(internal::EightAt(key));
-  const size_t least = LettersAndDigits(eight);
-  if (least == 0) return false;
-  const char* equals = key + least;
-  while (KindOf(*equals) == Kind::Plain) ++equals;
-  if (*equals != '=') return false;
-  const char* value = equals + 1;
-  while (KindOf(*value) == Kind::White) ++value;
-  if (KindOf(*value) != Kind::Plain) return false;
-  const auto length = static_cast<size_t>(equals - key);
-  ahead.key = {key, length};
-  ahead.eight = length < 8 ? eight & ~(~uint64_t{0} >> 8 * length) : eight;
-  ahead.pValue = value;
+const char* ConfigFileReader::Ahead() const { return m_bUnescape || !m_pAt ? nullptr : SkipWhite(m_pAt); }
+
+bool ConfigFileReader::TakeAt(const char* at) {
+  while (KindOf(*at) == Kind::White) ++at;
+  if (KindOf(*at) != Kind::Plain) return false;
+  ReadPlain(at);
   return true;
 }
 

@@ -41,14 +41,6 @@ class RecentNumbers {
   std::array<Number, 2048> m_Numbers;
 };
 
-/// A key that stands next in a file, in the form of most: it begins with a letter or a digit, "=" stands where it ends, and a
-/// value behind that, both after nothing but white space.
-struct KeyAhead {
-  std::string_view key;
-  uint64_t eight = 0;  ///< its first characters folded, see EightFolded
-  const char* pValue = nullptr;
-};
-
 }  // namespace internal
 
 /// Splits a file, which is read whole when it is opened, into tokens.  Every read character is a byte; no
@@ -72,16 +64,18 @@ class ORV_API ConfigFileReader {
   /// Reads the next token when it is this delimiter and nothing stands before it; else false, and nothing is read.  Quicker
   /// than Next for what is mostly there.
   bool NextAtOnce(char delimiter) {
-    if (m_bGivenBack || m_pAt == m_pEnd || *m_pAt != delimiter) return false;
+    if (m_pAt == m_pEnd || *m_pAt != delimiter) return false;
     m_Token = {m_pAt++, 1};
     return true;
   }
-  /// Looks for a key in that form and reads nothing.  Escapes are left to Next.
-  bool Peek(internal::KeyAhead& ahead) const;
-  /// Reads the key that Peek has found last, "=" and the value, which is the present token then.
-  void Take(const internal::KeyAhead& ahead) { ReadPlain(ahead.pValue); }
-  /// Gives the present token back, so that Next reads it again.  One token only.
-  void GiveBack() { m_bGivenBack = true; }
+  /// What stands ahead behind white space: at the end of the file other characters, of which 16 can be looked at.  Null where
+  /// escapes are to be undone, which is left to Next.
+  const char* Ahead() const;
+  /// Reads everything up to a token that stands ahead at `at`, or behind white space there, and the token; false, and nothing is
+  /// read, when no token but a delimiter stands there.
+  bool TakeAt(const char* at);
+  /// Gives the present token, which Next has read, back, so that Next reads it again.
+  void GiveBack() { m_pAt = m_pToken; }
 
   /// The present token, valid until the file is closed.
   std::string_view Token() const { return m_Token; }
@@ -100,10 +94,10 @@ class ORV_API ConfigFileReader {
   std::string m_FileName;
   bool m_bOpen = false;
   bool m_bUnescape;
-  bool m_bGivenBack = false;
   std::string_view m_Token;         // within the text, or the last of the unescaped ones
   std::unique_ptr<char[]> m_pText;  // the whole file
   const char* m_pAt = nullptr;      // what has been read ends here
+  const char* m_pToken = nullptr;   // where the token that Next has read last begins, with its quote
   const char* m_pEnd = nullptr;     // of the text
   std::deque<std::string> m_Unescaped;
   internal::RecentNumbers m_Numbers;

@@ -228,7 +228,7 @@ void SetAngle(double& angle, std::string_view text) {
   if (!LatLonToDegrees(std::string(text).c_str(), &angle, 'd')) angle = ReadDecimal(text);
 }
 
-void Angle(KeyReader& w, KeyName key, double& angle, bool) { w.NumberOr(key, angle, &SetAngle); }
+inline void Angle(KeyReader& w, KeyName key, double& angle, bool) { w.NumberOr(key, angle, &SetAngle); }
 void Angle(KeyWriter& w, KeyName key, double angle, bool write) { w.Number(key, kParameter, angle, write); }
 
 template <class Walker>

@@ -625,58 +625,68 @@ TEST(ConfigFileReader, ReadsAnyTextAsTheLineByLineModelDoes) {
       400));
 }
 
-// Two readers of one text: the pairs that one of them takes at once are the tokens that the other reads.
-TEST(ConfigFileReader, PairsTakenAtOnceAreThoseThatTheirTokensMake) {
+// Two readers of one text: what one of them takes ahead is what the other reads next.
+TEST(ConfigFileReader, TokensTakenAheadAreThoseThatAreNext) {
   EXPECT_TRUE(orv::test::Holds(
       [] {
         const TempFolder folder;
         const std::string text = orv::test::TextOf(
-            {'a', 'B', '1', '=', '=', '=', ';', '}', '"', '\'', ' ', '\n', '_', '.', '5', 'q', '\xFF', '\0'});
+            {'a', 'B', '1', '=', ';', '}', '"', '"', '\'', ' ', '\n', '.', '5', '\xFF', '\0'});
         const std::string path = folder.Write("test.ocf", text);
-        ConfigFileReader pairs, tokens;
-        pairs.Open(path.c_str());
-        tokens.Open(path.c_str());
+        ConfigFileReader taker, reader;
+        taker.Open(path.c_str());
+        reader.Open(path.c_str());
         for (bool more = true; more;) {
-          orv::internal::KeyAhead ahead;
-          if (pairs.Peek(ahead)) {
-            pairs.Take(ahead);
-            ORV_HOLDS(tokens.Next() && tokens.Token() == ahead.key);
-            ORV_HOLDS(ahead.eight == orv::internal::EightFolded(ahead.key));
-            ORV_HOLDS(tokens.Next() && tokens.Token() == "=");
-            ORV_HOLDS(tokens.Next());
-          } else {
-            more = tokens.Next();
-            ORV_HOLDS(pairs.Next() == more);
-          }
-          ORV_HOLDS(pairs.Token() == tokens.Token() && pairs.Line() == tokens.Line());
+          const int line = taker.Line();
+          const char* const ahead = taker.Ahead();
+          ORV_HOLDS(taker.Line() == line);
+          const bool taken = taker.TakeAt(ahead);
+          more = reader.Next();
+          ORV_HOLDS(taken ? more : taker.Next() == more);
+          ORV_HOLDS(taker.Token() == reader.Token() && taker.Line() == reader.Line());
         }
       },
       400));
 }
 
-TEST(ConfigFileReader, AKeyAheadIsSeenInItsPlainFormOnly) {
-  const auto value = [](const std::string& text, bool unescape = false) {
-    const TempFolder folder;
-    ConfigFileReader reader(unescape);
-    reader.Open(folder.Write("test.ocf", text).c_str());
-    orv::internal::KeyAhead ahead;
-    if (!reader.Peek(ahead)) return std::string("none");
-    EXPECT_TRUE(reader.Next());
-    EXPECT_EQ(reader.Token(), ahead.key) << "Peek reads nothing";
+TEST(ConfigFileReader, TakesAheadOverWhiteSpaceButNoDelimiter) {
+  const TempFolder folder;
+  ConfigFileReader reader;
+  EXPECT_EQ(reader.Ahead(), nullptr) << "no file";
+  reader.Open(folder.Write("x.ocf", "\n   key= \t\n'a value' =;c\nlast").c_str());
+  const char* ahead = reader.Ahead();
+  ASSERT_EQ(std::string_view(ahead, 4), "key=");
+  ASSERT_TRUE(reader.TakeAt(ahead + 4));
+  EXPECT_EQ(reader.Token(), "a value");
+  EXPECT_EQ(reader.Line(), 3);
+  ahead = reader.Ahead();
+  EXPECT_FALSE(reader.TakeAt(ahead)) << "a delimiter";
+  EXPECT_FALSE(reader.TakeAt(ahead + 1)) << "a comment";
+  EXPECT_EQ(reader.Token(), "a value");
+  ASSERT_TRUE(reader.Next());
+  reader.GiveBack();
+  EXPECT_EQ(reader.Ahead(), ahead) << "a token given back is ahead";
+  ASSERT_TRUE(reader.Next());
+  EXPECT_EQ(reader.Token(), "=");
+  ASSERT_TRUE(reader.Next());
+  EXPECT_EQ(reader.Token(), "last");
+  EXPECT_FALSE(reader.TakeAt(reader.Ahead())) << "the end";
+  ConfigFileReader unescaping(true);
+  unescaping.Open(folder.Path("x.ocf").c_str());
+  EXPECT_EQ(unescaping.Ahead(), nullptr) << "escapes are left to Next";
+}
+
+TEST(ConfigFileReader, AQuotedTokenIsGivenBackWithItsQuotes) {
+  const TempFolder folder;
+  ConfigFileReader reader;
+  reader.Open(folder.Write("x.ocf", "a\n'b =c' d").c_str());
+  for (int token = 0; token < 2; ++token) ASSERT_TRUE(reader.Next());
+  for (int again = 0; again < 2; ++again) {
     reader.GiveBack();
-    orv::internal::KeyAhead again;
-    EXPECT_FALSE(reader.Peek(again)) << "the token given back is next";
-    for (int token = 0; token < 3; ++token) EXPECT_TRUE(reader.Next());
-    return std::string(reader.Token());
-  };
-  EXPECT_EQ(value("a=b"), "b");
-  EXPECT_EQ(value("\n   long_key_and_more= \t\n-17.123456789012345678 x"), "-17.123456789012345678");
-  EXPECT_EQ(value("a=\"b = c\"d"), "b = c");
-  EXPECT_EQ(value("a='"), "");
-  EXPECT_EQ(value("a=\"12345678901234567890"), "12345678901234567890");
-  for (const char* const text :
-       {"a =b", "a==", "a=}", "a=;b\nc", "'a'=b", "; c\na=b", "=b", "_a=b", "a", "a="}) {
-    EXPECT_EQ(value(text), "none") << text;
+    EXPECT_EQ(reader.Line(), 2);
+    ASSERT_TRUE(reader.Next());
+    EXPECT_EQ(reader.Token(), "b =c");
   }
-  EXPECT_EQ(value("a=b", true), "none") << "escapes are left to Next";
+  ASSERT_TRUE(reader.Next());
+  EXPECT_EQ(reader.Token(), "d");
 }

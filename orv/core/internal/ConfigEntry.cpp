@@ -24,21 +24,18 @@ bool CreateListFile(ConfigFileWriter& writer, const ListFile& file, const char* 
   return true;
 }
 
-bool KeyReader::TakesWhole(std::string_view key) {
-  const std::string_view own = m_Key.key;
-  if (own.size() != key.size()) return false;
-  if (own.size() > 8 && !EqualIgnoringCase(own.substr(8), key.substr(8)))
-    return false;  // eight are equal already
-  if (m_Key.pValue) {
-    m_Reader.Take(m_Key);
-    m_Value = m_Reader.Token();
+// The first eight characters are equal already.
+bool KeyReader::Takes(std::string_view key) {
+  if (!m_pAhead) {
+    return m_Key.size() == key.size() &&
+           (key.size() <= 8 || EqualIgnoringCase(m_Key.substr(8), key.substr(8)));
   }
+  for (size_t at = 8; at < key.size(); ++at) {
+    if (m_pAhead[at] != key[at]) return false;
+  }
+  if (m_pAhead[key.size()] != '=' || !m_Reader.TakeAt(m_pAhead + key.size() + 1)) return false;
+  m_Value = m_Reader.Token();
   return true;
-}
-
-void KeyReader::Follow() {
-  ++m_Taken;
-  if (!m_Reader.Peek(m_Key)) m_Key = {};
 }
 
 bool KeyReader::IsTrue() const {

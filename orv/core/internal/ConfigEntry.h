@@ -63,19 +63,15 @@ bool OpenListFile(ConfigFileReader& reader, const ListFile& file, const char* fi
 bool CreateListFile(ConfigFileWriter& writer, const ListFile& file, const char* fileName,
                     const ErrorSite& site);
 
-/// Reads pairs up to the closing brace, whose opening one has been read, and hands each to take(key, value).
+/// Reads pairs up to the closing brace, whose opening one has been read, and hands each to take(key, value), which may read the
+/// pairs that follow as KeyReader does.  The first time it gets an empty key, for what stands ahead.
 template <class Take>
 bool ReadEntryBody(ConfigFileReader& reader, const EntryTexts& texts, const ErrorSite& site, Take take) {
   const auto unexpectedEnd = [&] {
     return ORV_FAIL_AT(site, ErrSyntax, texts.unexpectedEnd, reader.FileName(), reader.Line());
   };
+  take(std::string_view(), std::string_view());
   for (;;) {
-    KeyAhead ahead;
-    if (reader.Peek(ahead)) {
-      reader.Take(ahead);
-      take(ahead.key, reader.Token());
-      continue;
-    }
     if (!reader.Next()) return unexpectedEnd();
     if (reader.Token() == "}") return true;
     const std::string_view key = reader.Token();
@@ -105,20 +101,31 @@ bool ReadEntries(ConfigFileReader& reader, const EntryTexts& texts, const ErrorS
   return true;
 }
 
-/// The name of a key, in a form in which a reader tells it from nearly every other at once.  Made of literals.
+/// The name of a key, in a form in which a reader tells it from nearly every other at once.  Made of literals in lower case.
 struct KeyName {
-  consteval KeyName(const char* name) : text(name), eight(EightFolded(name)) {}
+  consteval KeyName(const char* name)
+      : text(name),
+        eight(EightOf(text)),
+        mask(text.size() < 7 ? ~(~uint64_t{0} >> (8 * text.size() + 8)) : ~uint64_t{0}) {}
+  /// The first eight characters of a key and of the "=" behind it.
+  static constexpr uint64_t EightOf(std::string_view key) {
+    return EightFolded(key) | (key.size() < 8 ? uint64_t{'='} << (56 - 8 * key.size()) : 0);
+  }
 
-  const char* text;
-  uint64_t eight;  // the first characters
+  std::string_view text;
+  uint64_t eight;
+  uint64_t mask;  // of those of the eight that count
 };
 
-/// Offers a pair to an entry's keys: the one that the reader has just read and, when a key has taken that, the one that
-/// follows, as long as Peek finds these.  Pairs in the order of the keys are all taken in one walk.
+/// Offers a pair that has been read to an entry's keys and, when a key has taken it or it is empty, the pair that follows, as
+/// long as these stand in the form in which they are written: a key in lower case, "=" and, maybe behind white space, a
+/// value.  Pairs in the order of the keys are all taken in one walk; those that are not taken are not read.
 class KeyReader {
  public:
   KeyReader(std::string_view key, std::string_view value, ConfigFileReader& reader, const ErrorSite& site)
-      : m_Key{key, EightFolded(key), nullptr}, m_Value(value), m_Reader(reader), m_Site(site) {}
+      : m_Eight(KeyName::EightOf(key)), m_Key(key), m_Value(value), m_Reader(reader), m_Site(site) {
+    if (key.empty()) LookAhead();
+  }
 
   void Text(KeyName key, std::string& value, bool = true) {
     On(key, [&] { value = std::string(m_Value); });
@@ -191,26 +198,34 @@ class KeyReader {
   }
 
   /// Whether the pair's key begins with these six characters and has more.
-  bool BeginsWith(KeyName six) const { return m_Key.key.size() > 6 && (m_Key.eight ^ six.eight) >> 16 == 0; }
+  bool BeginsWith(KeyName six) const {
+    const uint64_t apart = m_Eight ^ six.eight;
+    return apart >> 16 == 0 && apart >> 8 != 0;
+  }
   /// How many pairs have been taken.
   size_t Taken() const { return m_Taken; }
 
  private:
   // Nearly every key that is offered is another one: what follows a match is kept out of line.
-  bool Takes(KeyName key) { return m_Key.eight == key.eight && TakesWhole(key.text); }
-  bool TakesWhole(std::string_view key);
-  void Follow();
   template <class Work>
-  void On(KeyName key, Work work) {
-    if (!Takes(key)) return;
+  void On(const KeyName& key, Work work) {
+    if (((m_Eight ^ key.eight) & key.mask) != 0 || !Takes(key.text)) return;
     work();
-    Follow();
+    ++m_Taken;
+    LookAhead();
+  }
+  bool Takes(std::string_view key);
+  void LookAhead() {
+    m_pAhead = m_Reader.Ahead();
+    m_Eight = m_pAhead ? EightAt(m_pAhead) : 0;
   }
   bool IsTrue() const;
   void Complain(const char* message);
 
-  KeyAhead m_Key;            // one without a value has been read; no key takes an empty one
-  std::string_view m_Value;  // of a key that has been read
+  uint64_t m_Eight;                // the first characters of the pair; 0 for none
+  const char* m_pAhead = nullptr;  // the pair, when it has not been read
+  std::string_view m_Key;          // when it has
+  std::string_view m_Value;
   ConfigFileReader& m_Reader;
   ErrorSite m_Site;
   size_t m_Taken = 0;
@@ -265,7 +280,7 @@ class KeyWriter {
  private:
   // Names may hold anything: a line never passes through a format.
   void Line(KeyName key, const std::string& value) {
-    m_Writer.Write(std::string("   ") + key.text + '=' + value + '\n');
+    m_Writer.Write("   " + std::string(key.text) + '=' + value + '\n');
   }
 
   ConfigFileWriter& m_Writer;

@@ -19,6 +19,7 @@ struct TextKey {
   static int Compare(const char* a, const char* b) { return CompareIgnoringCase(a, b); }
   static bool Equal(const char* a, const char* b) { return std::strcmp(a, b) == 0 || Compare(a, b) == 0; }
   static uint64_t Hash(const char* text) { return HashIgnoringCase(text); }
+  static uint64_t HashOf(const Info& info) { return Hash(Of(info)); }
   template <class Of>
   static void Sort(std::vector<uint32_t>::iterator first, std::vector<uint32_t>::iterator last, Of of) {
     std::vector<NumberedText> texts;
@@ -37,6 +38,7 @@ struct NumberKey {
   static bool Equal(int a, int b) { return a == b; }
   // Numbers mostly follow each other, their hashes must not.
   static uint64_t Hash(int number) { return static_cast<uint64_t>(number) * 0x9e3779b97f4a7c15u >> 32; }
+  static uint64_t HashOf(const Info& info) { return Hash(Of(info)); }
   template <class Of>
   static void Sort(std::vector<uint32_t>::iterator first, std::vector<uint32_t>::iterator last, Of of) {
     std::stable_sort(first, last, [&of](uint32_t a, uint32_t b) { return of(a) < of(b); });
@@ -47,7 +49,7 @@ struct NumberKey {
 template <class Core, class Key>
 bool TextTaken(const Core& core, const typename Core::Info& info, int except) {
   const char* const text = Key::Of(info);
-  return *text != '\0' && core.template KeyTaken<Key>(text, except);
+  return *text != '\0' && core.template KeyTaken<Key>(text, Key::HashOf(info), except);
 }
 template <class Core, class Key>
 bool NumberTaken(const Core& core, const typename Core::Info& info, int except) {
