@@ -34,9 +34,9 @@ constexpr KindTable kKinds;
 Kind KindOf(char c) { return kKinds.kinds[static_cast<unsigned char>(c)]; }
 bool IsQuote(char c) { return c == '"' || c == '\''; }
 
-// What stands behind the text: eight braces, which end what is white and what is plain, then eight line feeds, which
-// end what is quoted.
-constexpr char kGuards[] = "}}}}}}}}\n\n\n\n\n\n\n\n";
+// What stands behind the text: eight braces, which end what is white and what is plain, then line feeds, which end what is
+// quoted.
+constexpr char kGuards[] = "}}}}}}}}\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n";
 constexpr size_t kGuardsSize = sizeof kGuards - 1;
 
 inline const char* SkipWhite(const char* at) {
@@ -247,20 +247,39 @@ bool ConfigFileReader::TakeAt(const char* at) {
   return true;
 }
 
-const internal::RecentNumbers::Number& internal::RecentNumbers::Find(std::string_view text) {
-  uint64_t ends[2] = {};
-  if (text.size() >= sizeof ends) {
-    std::memcpy(&ends[0], text.data(), 8);
-    std::memcpy(&ends[1], text.data() + text.size() - 8, 8);
+const internal::RecentNumbers::Number* ConfigFileReader::TakeDecimalAt(const char* at) {
+  while (KindOf(*at) == Kind::White) ++at;
+  if (const internal::RecentNumbers::Number* const number = m_Numbers.FindAt(at, m_pEnd)) {
+    m_Token = {at, number->text.size()};
+    m_pAt = at + number->text.size();
+    return number;
   }
-  const uint64_t hash = (ends[0] ^ ends[1] << 1) * 0x9e3779b97f4a7c15u;
-  Number& number = m_Numbers[hash >> 53];  // one of 2048
+  return TakeAt(at) ? &m_Numbers.Find(m_Token) : nullptr;
+}
+
+// The place of a text by its first 20 characters; one for all shorter ones.
+size_t internal::RecentNumbers::PlaceOf(const char* text) {
+  return (EightAt(text) ^ EightAt(text + 12) << 1) * 0x9e3779b97f4a7c15u >> 53;
+}
+
+const internal::RecentNumbers::Number& internal::RecentNumbers::Find(std::string_view text) {
+  Number& number = m_Numbers[text.size() < kLeast ? 0 : PlaceOf(text.data())];
   if (number.text == text && !text.empty()) return number;
   size_t end = 0;
   number.value = ReadDecimal(text, &end);
   number.isWhole = end == text.size();
+  number.isPlain = number.isWhole && text.find('+') == std::string_view::npos;
   number.text = text;
   return number;
+}
+
+const internal::RecentNumbers::Number* internal::RecentNumbers::FindAt(const char* at,
+                                                                       const char* end) const {
+  const Number& number = m_Numbers[PlaceOf(at)];
+  const size_t size = number.text.size();
+  const bool isThere = number.isPlain && size >= kLeast && size <= static_cast<size_t>(end - at) &&
+                       std::memcmp(at, number.text.data(), size) == 0 && KindOf(at[size]) != Kind::Plain;
+  return isThere ? &number : nullptr;
 }
 
 // ---- writer ----------------------------------------------------------------------------------------------

@@ -32,12 +32,19 @@ class RecentNumbers {
     std::string_view text;
     double value = 0.0;    ///< of ReadDecimal
     bool isWhole = false;  ///< the text is a number throughout
+    bool isPlain = false;  ///< and so is one that is not quoted
   };
   /// @param text  stays where it is as long as this object is used.
   const Number& Find(std::string_view text);
+  /// That of 20 characters or more that is a token at `at` in a text of a file up to `end`, or null when none of those lately
+  /// read is.
+  const Number* FindAt(const char* at, const char* end) const;
   void Clear() { m_Numbers = {}; }
 
  private:
+  static constexpr size_t kLeast = 20;
+  static size_t PlaceOf(const char* text);
+
   std::array<Number, 2048> m_Numbers;
 };
 
@@ -68,12 +75,14 @@ class ORV_API ConfigFileReader {
     m_Token = {m_pAt++, 1};
     return true;
   }
-  /// What stands ahead behind white space: at the end of the file other characters, of which 16 can be looked at.  Null where
+  /// What stands ahead behind white space: at the end of the file other characters, of which 24 can be looked at.  Null where
   /// escapes are to be undone, which is left to Next.
   const char* Ahead() const;
   /// Reads everything up to a token that stands ahead at `at`, or behind white space there, and the token; false, and nothing is
   /// read, when no token but a delimiter stands there.
   bool TakeAt(const char* at);
+  /// The same of a token that is taken as a number; null when no token but a delimiter stands there.
+  const internal::RecentNumbers::Number* TakeDecimalAt(const char* at);
   /// Gives the present token, which Next has read, back, so that Next reads it again.
   void GiveBack() { m_pAt = m_pToken; }
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -325,6 +326,52 @@ TEST(RecentNumbers, AreThoseOfTheirTextsHoweverOftenTheyAreAskedFor) {
       }
     }
   }
+}
+
+// What is read ahead as a number is the token that Next would read, and its number, whatever was read before.
+TEST(ConfigFileReader, NumbersTakenAheadAreThoseOfTheirTokens) {
+  const std::string twenty = "1234567890.123456789";
+  const std::string texts[] = {twenty,
+                               "'" + twenty + "'",
+                               twenty + "0",
+                               "-" + twenty,
+                               twenty + "x",
+                               twenty + "e-5",
+                               "'" + twenty + "e+5'",
+                               twenty + "e+5",
+                               twenty + "e",
+                               "1.5",
+                               "'2,5'",
+                               "2,5",
+                               "  " + twenty,
+                               "'" + twenty + ",7'",
+                               twenty + ",7",
+                               "'" + twenty + "\n",
+                               "99999999999999999999999",
+                               twenty + "/",
+                               "=",
+                               "" + twenty};
+  EXPECT_TRUE(orv::test::Holds([&texts] {
+    const TempFolder folder;
+    std::string file;
+    for (size_t count = orv::test::SizeIn(1, 40); count > 0; --count) {
+      file += texts[orv::test::SizeIn(0, std::size(texts))] + orv::test::OneOf<std::string>({" ", "\n", ""});
+    }
+    const std::string path = folder.Write("test.ocf", file);
+    ConfigFileReader taker, reader;
+    taker.Open(path.c_str());
+    reader.Open(path.c_str());
+    for (bool more = true; more;) {
+      const auto* const number = taker.TakeDecimalAt(taker.Ahead());
+      more = reader.Next();
+      ORV_HOLDS(number ? more : taker.Next() == more);
+      ORV_HOLDS(taker.Token() == reader.Token() && taker.Line() == reader.Line());
+      if (!number) continue;
+      size_t end = 0;
+      ORV_HOLDS(number->value == orv::internal::ReadDecimal(reader.Token(), &end));
+      ORV_HOLDS(number->isWhole == (end == reader.Token().size()));
+    }
+  }));
 }
 
 TEST(ConfigFileReader, ReopeningBeginsAfresh) {

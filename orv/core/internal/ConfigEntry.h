@@ -131,16 +131,15 @@ class KeyReader {
     On(key, [&] { value = std::string(m_Value); });
   }
   void Number(KeyName key, const char*, double& value, bool = true) {
-    On(key, [&] { value = m_Reader.Decimal(m_Value).value; });
+    OnNumber(key, [&](const auto& number) { value = number.value; });
   }
   /// The same, or a text that parse(value, text) understands.
   void NumberOr(KeyName key, double& value, void (*parse)(double& value, std::string_view text)) {
-    On(key, [&] {
-      const RecentNumbers::Number& number = m_Reader.Decimal(m_Value);
+    OnNumber(key, [&](const auto& number) {
       if (number.isWhole) {
         value = number.value;
       } else {
-        parse(value, m_Value);
+        parse(value, m_Reader.Token());
       }
     });
   }
@@ -167,11 +166,11 @@ class KeyReader {
   template <class Self>
   void Derived(KeyName key, const char*, Self& self, double (*)(const Self&), void (*set)(Self&, double),
                bool = true) {
-    On(key, [&] { set(self, m_Reader.Decimal(m_Value).value); });
+    OnNumber(key, [&](const auto& number) { set(self, number.value); });
   }
   template <class Self>
   void ReadOnly(KeyName key, Self& self, void (*set)(Self&, double)) {
-    On(key, [&] { set(self, m_Reader.Decimal(m_Value).value); });
+    OnNumber(key, [&](const auto& number) { set(self, number.value); });
   }
   /// A number whose text only the caller understands: parse(self, text) gives false to raise `bad` (1029,
   /// with file, line and the text).  It is written by `format` as it is.
@@ -209,12 +208,25 @@ class KeyReader {
   // Nearly every key that is offered is another one: what follows a match is kept out of line.
   template <class Work>
   void On(const KeyName& key, Work work) {
-    if (((m_Eight ^ key.eight) & key.mask) != 0 || !Takes(key.text)) return;
+    if (!IsNext(key) || !Takes(key.text)) return;
     work();
     ++m_Taken;
     LookAhead();
   }
+  template <class Work>
+  void OnNumber(const KeyName& key, Work work) {
+    if (!IsNext(key)) return;
+    const RecentNumbers::Number* const number = TakesNumber(key.text);
+    if (!number) return;
+    work(*number);
+    ++m_Taken;
+    LookAhead();
+  }
+  bool IsNext(const KeyName& key) const { return ((m_Eight ^ key.eight) & key.mask) == 0; }
   bool Takes(std::string_view key);
+  const RecentNumbers::Number* TakesNumber(std::string_view key);
+  bool IsRead(std::string_view key) const;
+  const char* ValueAhead(std::string_view key) const;
   void LookAhead() {
     m_pAhead = m_Reader.Ahead();
     m_Eight = m_pAhead ? EightAt(m_pAhead) : 0;
