@@ -263,7 +263,7 @@ size_t internal::RecentNumbers::PlaceOf(const char* text) {
 }
 
 const internal::RecentNumbers::Number& internal::RecentNumbers::Find(std::string_view text) {
-  Number& number = m_Numbers[text.size() < kLeast ? 0 : PlaceOf(text.data())];
+  Number& number = (*m_pNumbers)[text.size() < kLeast ? 0 : PlaceOf(text.data())];
   if (number.text == text && !text.empty()) return number;
   size_t end = 0;
   number.value = ReadDecimal(text, &end);
@@ -275,7 +275,7 @@ const internal::RecentNumbers::Number& internal::RecentNumbers::Find(std::string
 
 const internal::RecentNumbers::Number* internal::RecentNumbers::FindAt(const char* at,
                                                                        const char* end) const {
-  const Number& number = m_Numbers[PlaceOf(at)];
+  const Number& number = (*m_pNumbers)[PlaceOf(at)];
   const size_t size = number.text.size();
   const bool isThere = number.isPlain && size >= kLeast && size <= static_cast<size_t>(end - at) &&
                        std::memcmp(at, number.text.data(), size) == 0 && KindOf(at[size]) != Kind::Plain;

@@ -39,13 +39,14 @@ class RecentNumbers {
   /// That of 20 characters or more that is a token at `at` in a text of a file up to `end`, or null when none of those lately
   /// read is.
   const Number* FindAt(const char* at, const char* end) const;
-  void Clear() { m_Numbers = {}; }
+  void Clear() { m_pNumbers = std::make_unique<Numbers>(); }
 
  private:
+  using Numbers = std::array<Number, 2048>;
   static constexpr size_t kLeast = 20;
   static size_t PlaceOf(const char* text);
 
-  std::array<Number, 2048> m_Numbers;
+  std::unique_ptr<Numbers> m_pNumbers = std::make_unique<Numbers>();  // too many for a thread's stack
 };
 
 }  // namespace internal
@@ -75,8 +76,8 @@ class ORV_API ConfigFileReader {
     m_Token = {m_pAt++, 1};
     return true;
   }
-  /// What stands ahead behind white space: at the end of the file other characters, of which 24 can be looked at.  Null where
-  /// escapes are to be undone, which is left to Next.
+  /// What stands ahead behind white space: at the end of the file other characters, of which 24 can be looked at.  Null without
+  /// a file, and where escapes are to be undone, which is left to Next.
   const char* Ahead() const;
   /// Reads everything up to a token that stands ahead at `at`, or behind white space there, and the token; false, and nothing is
   /// read, when no token but a delimiter stands there.
