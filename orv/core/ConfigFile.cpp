@@ -1,6 +1,7 @@
 #include "orv/core/ConfigFile.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdarg>
 #include <cstring>
 
@@ -31,24 +32,49 @@ struct KindTable {
 };
 constexpr KindTable kKinds;
 Kind KindOf(char c) { return kKinds.kinds[static_cast<unsigned char>(c)]; }
+bool IsQuote(char c) { return c == '"' || c == '\''; }
 
-// Stands behind the text, eight times, and ends what is white and what is plain.
-constexpr char kGuard = '}';
-constexpr size_t kGuards = 8;
+// What stands behind the text: eight braces, which end what is white and what is plain, then line feeds, which end what is
+// quoted.
+constexpr char kGuards[] = "}}}}}}}}\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n";
+constexpr size_t kGuardsSize = sizeof kGuards - 1;
 
-const char* SkipWhite(const char* at) {
-  constexpr char kLineOfEntry[] = "\n   ";  // how nearly every line begins
-  if (std::memcmp(at, kLineOfEntry, 4) == 0) at += 4;
+inline const char* SkipWhite(const char* at) {
+  if (internal::EightAt(at) >> 32 == 0x0a202020)
+    at += 4;  // a line feed and three blanks begin nearly every line
   while (KindOf(*at) == Kind::White) ++at;
   return at;
 }
 
+const char* SkipDigits(const char* at) {
+  for (;;) {
+    const size_t digits = internal::LeadingDigits(at);
+    at += digits;
+    if (digits < 8) return at;
+  }
+}
+
 const char* SkipPlain(const char* at) {
   while (KindOf(*at) == Kind::Plain) {
-    if (*at++ != '.') continue;
-    while (internal::AreEightDigits(at)) at += 8;  // numbers have 20 decimals, mostly
+    if (*at++ == '.') at = SkipDigits(at);  // numbers have 20 decimals, mostly
   }
   return at;
+}
+
+// Bit 7 of each of eight characters that is another one than c.
+uint64_t Others(uint64_t eight, char c) {
+  constexpr uint64_t kEach = 0x0101010101010101u;
+  const uint64_t apart = eight ^ kEach * static_cast<unsigned char>(c);
+  return ((apart & kEach * 0x7f) + kEach * 0x7f) | apart;
+}
+
+// The first quote or line feed from `at` on, or the end of the text.
+const char* QuotedEnd(const char* at, const char* end, char quote) {
+  for (;; at += 8) {
+    const uint64_t eight = internal::EightAt(at);
+    const uint64_t found = ~(Others(eight, quote) & Others(eight, '\n')) & 0x8080808080808080u;
+    if (found != 0) return std::min(at + std::countl_zero(found) / 8, end);
+  }
 }
 
 // The first line feed from `at` on, or the end of the text.
@@ -133,8 +159,7 @@ bool ConfigFileReader::TryOpen(const char* fileName) {
   }
   m_FileName = fileName;
   m_Token = {};
-  m_bGivenBack = false;
-  m_pAt = m_pEnd = nullptr;
+  m_pAt = m_pToken = m_pEnd = nullptr;
   std::FILE* const file = platform::OpenFile(m_FileName.c_str(), "rb");
   if (!file) return false;
   m_bOpen = true;
@@ -154,7 +179,7 @@ void ConfigFileReader::Close() {
   m_pText.reset();
   m_Unescaped.clear();
   m_Numbers.Clear();
-  m_pAt = m_pEnd = nullptr;
+  m_pAt = m_pToken = m_pEnd = nullptr;
 }
 
 void ConfigFileReader::ReadAll(std::FILE* file) {
@@ -162,18 +187,18 @@ void ConfigFileReader::ReadAll(std::FILE* file) {
   const long length = told ? std::ftell(file) : 0;
   if (told) std::rewind(file);
   size_t room = std::max(kLeastRoom, static_cast<size_t>(std::max(length, 0L)) + 1), size = 0;
-  m_pText.reset(new char[room + kGuards]);
+  m_pText.reset(new char[room + kGuardsSize]);
   while (const size_t count = std::fread(m_pText.get() + size, 1, room - size, file)) {
     size += count;
     if (size < room) continue;
     room *= 2;
-    std::unique_ptr<char[]> larger(new char[room + kGuards]);
+    std::unique_ptr<char[]> larger(new char[room + kGuardsSize]);
     std::memcpy(larger.get(), m_pText.get(), size);
     m_pText = std::move(larger);
   }
   m_pAt = m_pText.get();
   m_pEnd = m_pAt + size;
-  std::memset(m_pText.get() + size, kGuard, kGuards);
+  std::memcpy(m_pText.get() + size, kGuards, kGuardsSize);
 }
 
 int ConfigFileReader::Line() const {
@@ -181,35 +206,29 @@ int ConfigFileReader::Line() const {
   return 1 + static_cast<int>(std::count(text, m_pAt, '\n'));
 }
 
-// Up to the same quote, which is read, or to the line's end, which is not.
-void ConfigFileReader::TakeQuoted(const char* quote) {
-  const char* const begin = quote + 1;
-  const char* const lineEnd = LineEnd(begin, m_pEnd);
-  const void* const last = std::memchr(begin, *quote, static_cast<size_t>(lineEnd - begin));
-  const char* const end = last ? static_cast<const char*>(last) : lineEnd;
-  m_Token = {begin, static_cast<size_t>(end - begin)};
-  m_pAt = last ? end + 1 : end;
+// A quoted token goes up to the same quote, which is read, or to the line's end, which is not.
+void ConfigFileReader::ReadPlain(const char* at) {
+  const char* begin = at;
+  if (IsQuote(*at)) {
+    m_pAt = QuotedEnd(++begin, m_pEnd, *at);
+    m_Token = {begin, static_cast<size_t>(m_pAt - begin)};
+    if (m_pAt != m_pEnd && *m_pAt == *at) ++m_pAt;
+  } else {
+    m_pAt = SkipPlain(at + 1);
+    m_Token = {begin, static_cast<size_t>(m_pAt - begin)};
+  }
 }
 
 bool ConfigFileReader::Next() {
-  if (m_bGivenBack) {
-    m_bGivenBack = false;
-    return true;
-  }
   m_Token = {};
   if (m_pAt == m_pEnd) return false;
   const char* at = SkipWhite(m_pAt);
   while (*at == ';') at = SkipWhite(LineEnd(at, m_pEnd));  // comments
-  m_pAt = at;
+  m_pAt = m_pToken = at;
   if (at == m_pEnd) return false;
   if (KindOf(*at) == Kind::Plain) {
-    if (*at == '"' || *at == '\'') {
-      TakeQuoted(at);
-      return true;
-    }
-    m_pAt = SkipPlain(at + 1);
-    m_Token = {at, static_cast<size_t>(m_pAt - at)};
-    if (m_bUnescape && m_Token.find('\\') != std::string_view::npos) {
+    ReadPlain(at);
+    if (m_bUnescape && !IsQuote(*at) && m_Token.find('\\') != std::string_view::npos) {
       m_Token = m_Unescaped.emplace_back(Unescaped(m_Token));
     }
     return true;
@@ -219,20 +238,48 @@ bool ConfigFileReader::Next() {
   return true;
 }
 
-const internal::RecentNumbers::Number& internal::RecentNumbers::Find(std::string_view text) {
-  uint64_t ends[2] = {};
-  if (text.size() >= sizeof ends) {
-    std::memcpy(&ends[0], text.data(), 8);
-    std::memcpy(&ends[1], text.data() + text.size() - 8, 8);
+const char* ConfigFileReader::Ahead() const { return m_bUnescape || !m_pAt ? nullptr : SkipWhite(m_pAt); }
+
+bool ConfigFileReader::TakeAt(const char* at) {
+  while (KindOf(*at) == Kind::White) ++at;
+  if (KindOf(*at) != Kind::Plain) return false;
+  ReadPlain(at);
+  return true;
+}
+
+const internal::RecentNumbers::Number* ConfigFileReader::TakeDecimalAt(const char* at) {
+  while (KindOf(*at) == Kind::White) ++at;
+  if (const internal::RecentNumbers::Number* const number = m_Numbers.FindAt(at, m_pEnd)) {
+    m_Token = {at, number->text.size()};
+    m_pAt = at + number->text.size();
+    return number;
   }
-  const uint64_t hash = (ends[0] ^ ends[1] << 1) * 0x9e3779b97f4a7c15u;
-  Number& number = m_Numbers[hash >> 55];  // one of 512
+  return TakeAt(at) ? &m_Numbers.Find(m_Token) : nullptr;
+}
+
+// The place of a text by its first 20 characters; one for all shorter ones.
+size_t internal::RecentNumbers::PlaceOf(const char* text) {
+  return (EightAt(text) ^ EightAt(text + 12) << 1) * 0x9e3779b97f4a7c15u >> 53;
+}
+
+const internal::RecentNumbers::Number& internal::RecentNumbers::Find(std::string_view text) {
+  Number& number = (*m_pNumbers)[text.size() < kLeast ? 0 : PlaceOf(text.data())];
   if (number.text == text && !text.empty()) return number;
   size_t end = 0;
   number.value = ReadDecimal(text, &end);
   number.isWhole = end == text.size();
+  number.isPlain = number.isWhole && text.find('+') == std::string_view::npos;
   number.text = text;
   return number;
+}
+
+const internal::RecentNumbers::Number* internal::RecentNumbers::FindAt(const char* at,
+                                                                       const char* end) const {
+  const Number& number = (*m_pNumbers)[PlaceOf(at)];
+  const size_t size = number.text.size();
+  const bool isThere = number.isPlain && size >= kLeast && size <= static_cast<size_t>(end - at) &&
+                       std::memcmp(at, number.text.data(), size) == 0 && KindOf(at[size]) != Kind::Plain;
+  return isThere ? &number : nullptr;
 }
 
 // ---- writer ----------------------------------------------------------------------------------------------

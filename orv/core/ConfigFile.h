@@ -32,13 +32,21 @@ class RecentNumbers {
     std::string_view text;
     double value = 0.0;    ///< of ReadDecimal
     bool isWhole = false;  ///< the text is a number throughout
+    bool isPlain = false;  ///< and so is one that is not quoted
   };
   /// @param text  stays where it is as long as this object is used.
   const Number& Find(std::string_view text);
-  void Clear() { m_Numbers = {}; }
+  /// That of 20 characters or more that is a token at `at` in a text of a file up to `end`, or null when none of those lately
+  /// read is.
+  const Number* FindAt(const char* at, const char* end) const;
+  void Clear() { m_pNumbers = std::make_unique<Numbers>(); }
 
  private:
-  std::array<Number, 512> m_Numbers;
+  using Numbers = std::array<Number, 2048>;
+  static constexpr size_t kLeast = 20;
+  static size_t PlaceOf(const char* text);
+
+  std::unique_ptr<Numbers> m_pNumbers = std::make_unique<Numbers>();  // too many for a thread's stack
 };
 
 }  // namespace internal
@@ -64,12 +72,20 @@ class ORV_API ConfigFileReader {
   /// Reads the next token when it is this delimiter and nothing stands before it; else false, and nothing is read.  Quicker
   /// than Next for what is mostly there.
   bool NextAtOnce(char delimiter) {
-    if (m_bGivenBack || m_pAt == m_pEnd || *m_pAt != delimiter) return false;
+    if (m_pAt == m_pEnd || *m_pAt != delimiter) return false;
     m_Token = {m_pAt++, 1};
     return true;
   }
-  /// Gives the present token back, so that Next reads it again.  One token only.
-  void GiveBack() { m_bGivenBack = true; }
+  /// What stands ahead behind white space: at the end of the file other characters, of which 24 can be looked at.  Null without
+  /// a file, and where escapes are to be undone, which is left to Next.
+  const char* Ahead() const;
+  /// Reads everything up to a token that stands ahead at `at`, or behind white space there, and the token; false, and nothing is
+  /// read, when no token but a delimiter stands there.
+  bool TakeAt(const char* at);
+  /// The same of a token that is taken as a number; null when no token but a delimiter stands there.
+  const internal::RecentNumbers::Number* TakeDecimalAt(const char* at);
+  /// Gives the present token, which Next has read, back, so that Next reads it again.
+  void GiveBack() { m_pAt = m_pToken; }
 
   /// The present token, valid until the file is closed.
   std::string_view Token() const { return m_Token; }
@@ -82,15 +98,16 @@ class ORV_API ConfigFileReader {
 
  private:
   void ReadAll(std::FILE* file);
-  void TakeQuoted(const char* quote);
+  /// Reads the token at a plain character.
+  void ReadPlain(const char* at);
 
   std::string m_FileName;
   bool m_bOpen = false;
   bool m_bUnescape;
-  bool m_bGivenBack = false;
   std::string_view m_Token;         // within the text, or the last of the unescaped ones
   std::unique_ptr<char[]> m_pText;  // the whole file
   const char* m_pAt = nullptr;      // what has been read ends here
+  const char* m_pToken = nullptr;   // where the token that Next has read last begins, with its quote
   const char* m_pEnd = nullptr;     // of the text
   std::deque<std::string> m_Unescaped;
   internal::RecentNumbers m_Numbers;

@@ -12,7 +12,8 @@ namespace orv {
 
 namespace internal {
 struct BlockAccess;
-}
+struct SystemEntry;
+}  // namespace internal
 
 /// A map projection: one ProjectionParameters block with its vocabulary, checks and texts.  A copyable value.
 ///
@@ -161,6 +162,7 @@ class ORV_API ProjectionDef {
 
  private:
   friend struct internal::BlockAccess;
+  friend struct internal::SystemEntry;
 
   template <class Walker, class Self>
   static void Fields(Walker& w, Self& d);

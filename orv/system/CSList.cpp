@@ -1,5 +1,6 @@
 #include "orv/system/CSList.h"
 
+#include <cstdint>
 #include <cstring>
 #include <utility>
 
@@ -21,7 +22,10 @@ namespace {
 class Entry {
  public:
   explicit Entry(std::unique_ptr<CSDef> system)
-      : m_pSystem(std::move(system)), m_ShortName(internal::ShortNameOf(m_pSystem->GetName())) {}
+      : nameHash(HashOf(system->GetName())),
+        tokenHash(HashOf(system->GetToken())),
+        m_pSystem(std::move(system)),
+        m_ShortName(internal::ShortNameOf(m_pSystem->GetName())) {}
   Entry(const Entry& other) : Entry(std::unique_ptr<CSDef>(other.m_pSystem->Clone())) {}
   Entry(Entry&&) noexcept = default;
   Entry& operator=(const Entry& other) {
@@ -35,13 +39,23 @@ class Entry {
   const char* GetToken() const { return m_pSystem->GetToken(); }
   const char* GetShortName() const { return m_ShortName; }
 
+  // What these texts are hashed to: each is looked for before the system is added.
+  uint32_t nameHash;
+  uint32_t tokenHash;
+
  private:
+  static uint32_t HashOf(const char* text) { return static_cast<uint32_t>(internal::HashIgnoringCase(text)); }
+
   std::unique_ptr<CSDef> m_pSystem;
   const char* m_ShortName;  // within the system's name, which never changes in the list
 };
 
-using NameKey = internal::TextKey<Entry, &Entry::GetName>;
-using TokenKey = internal::TextKey<Entry, &Entry::GetToken>;
+struct NameKey : internal::TextKey<Entry, &Entry::GetName> {
+  static uint64_t HashOf(const Entry& entry) { return entry.nameHash; }
+};
+struct TokenKey : internal::TextKey<Entry, &Entry::GetToken> {
+  static uint64_t HashOf(const Entry& entry) { return entry.tokenHash; }
+};
 using ShortNameKey = internal::TextKey<Entry, &Entry::GetShortName>;
 
 struct SystemTraits;
@@ -95,6 +109,8 @@ int Score(const CSDef& cs, const CSDef& system) {
 /// The kind that an entry begins with, as an empty system; null after a report.  The opening brace has been
 /// read; what does not belong to the kind is given back.
 std::unique_ptr<CSDef> ReadKind(ConfigFileReader& reader) {
+  const char* const ahead = reader.Ahead();
+  if (ahead && std::string_view(ahead, 6) == "token=") return std::make_unique<ORVDef>();  // nearly all
   const auto next = [&reader] {
     return reader.Next() ||
            ORV_FAIL(ErrSyntax, internal::kEntryTexts.unexpectedEnd, reader.FileName(), reader.Line());
@@ -134,7 +150,7 @@ struct CSList::Impl {
     return entry.System().Check(why) ||
            ORV_FAIL(ErrBadParameter, "Coordinate system fails validity check.  %s", why.c_str());
   }
-  int Add(Entry entry, bool known, bool checked = false) {
+  int Add(Entry&& entry, bool known, bool checked = false) {
     return Accepts(entry, known, Core::kNone, checked) ? core.Append(std::move(entry)) : Core::kNone;
   }
 };

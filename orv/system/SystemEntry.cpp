@@ -93,25 +93,17 @@ void WalkEllipsoid(Walker& w, EllipsoidDef& ellipsoid, const EllipsoidKeys& keys
 
 // ---- datums ----------------------------------------------------------------------------------------------
 
-/// A datum in pieces, or a known one that has not been taken to pieces.
-struct DatumDraft {
-  std::shared_ptr<const DatumDef> known;  ///< then the pieces do not count
-  DatumDef whole;                         ///< what has no key of its own: comment and POSC number
-  std::string token;
-  std::string name;
-  DatumTarget special = DatumTargetNone;
-  DatumParameters p;
+using KnownDatum = std::shared_ptr<const DatumDef>;
 
-  void Take(const DatumDef& datum) {
-    whole = datum;
-    token = EmptyIfNull(datum.GetToken());
-    name = EmptyIfNull(datum.GetName());
-    special = datum.GetSpecial();
+/// A datum in pieces.
+struct DatumDraft {
+  DatumDraft() = default;
+  explicit DatumDraft(const DatumDef& datum)
+      : whole(datum),
+        token(EmptyIfNull(datum.GetToken())),
+        name(EmptyIfNull(datum.GetName())),
+        special(datum.GetSpecial()) {
     datum.GetParameters(p);
-  }
-  void TakeToPieces() {
-    if (known) Take(*known);
-    known.reset();
   }
   DatumDef Make() {
     DatumDef datum(whole);
@@ -121,10 +113,16 @@ struct DatumDraft {
     datum.SetParameters(&p);
     return datum;
   }
+
+  DatumDef whole;  ///< what has no key of its own: comment and POSC number
+  std::string token;
+  std::string name;
+  DatumTarget special = DatumTargetNone;
+  DatumParameters p;
 };
 
 /// A known datum by its token, else by its name, else by one of three old short names.
-bool FindDatum(DatumDraft& draft, std::string_view tokenOrName) {
+bool FindDatum(KnownDatum& datum, std::string_view tokenOrName) {
   static constexpr const char* kOldNames[][2] = {
       {"NAD27", "North American Datum 1927"},
       {"NAD83", "North American Datum 1983"},
@@ -137,7 +135,7 @@ bool FindDatum(DatumDraft& draft, std::string_view tokenOrName) {
   for (const auto& old : kOldNames) {
     if (index == 0 && EqualIgnoringCase(text, old[0])) index = list.FindByName(old[1], nullptr);
   }
-  if (index != 0) draft.known = SharedParts::DatumAt(list, index);
+  if (index != 0) datum = SharedParts::DatumAt(list, index);
   return index != 0;
 }
 
@@ -174,12 +172,13 @@ bool SetMREType(DatumDraft& d, std::string_view name) {
   return d.p.mreType != DatumMRETypeNone;
 }
 
-/// @param known  written by reference alone.
-template <class Walker>
-void WalkDatumReference(Walker& w, DatumDraft& d, bool known) {
-  w.Reference("datum", d.token, d, &FindDatum, "%s(%d):  Unknown datum '%s'\n", known);
+/// @param token  written when the datum is a known one.
+template <class Walker, class Datum>
+void WalkDatumReference(Walker& w, const std::string& token, Datum& datum, bool known) {
+  w.Reference("datum", token, datum, &FindDatum, "%s(%d):  Unknown datum '%s'\n", known);
 }
 
+/// @param known  written by reference alone.
 template <class Walker>
 void WalkDatum(Walker& w, DatumDraft& d, bool known) {
   DatumParameters& p = d.p;
@@ -229,7 +228,7 @@ void SetAngle(double& angle, std::string_view text) {
   if (!LatLonToDegrees(std::string(text).c_str(), &angle, 'd')) angle = ReadDecimal(text);
 }
 
-void Angle(KeyReader& w, KeyName key, double& angle, bool) { w.NumberOr(key, angle, &SetAngle); }
+inline void Angle(KeyReader& w, KeyName key, double& angle, bool) { w.NumberOr(key, angle, &SetAngle); }
 void Angle(KeyWriter& w, KeyName key, double angle, bool write) { w.Number(key, kParameter, angle, write); }
 
 template <class Walker>
@@ -297,23 +296,18 @@ void ReadNumbers(ConfigFileReader& reader, double* numbers, int count) {
   }
 }
 
-/// Whether the pair was the warp's.
-bool TakeWarp(WarpDraft& d, std::string_view key, std::string_view value, ConfigFileReader& reader) {
-  if (EqualIgnoringCase(key, "warp_coeff")) {
+void ReadWarp(KeyReader& w, WarpDraft& d) {
+  w.Reference("warp_method", "", d, &SetWarpMethod, "%s(%d):  Unknown warp method '%s'\n");
+  w.Tokens("warp_coeff", [&d](ConfigFileReader& reader) {
     ReadNumbers(reader, d.coefficients, 6);
     d.hasCoefficients = true;
-    return true;
-  }
-  if (EqualIgnoringCase(key, "warp_pt")) {
+  });
+  w.Tokens("warp_pt", [&d](ConfigFileReader& reader) {
     double xy[4] = {};
     ReadNumbers(reader, xy, 4);
     d.sources.emplace_back(xy[0], xy[1]);
     d.destinations.emplace_back(xy[2], xy[3]);
-    return true;
-  }
-  KeyReader keys(key, value, reader, OrvSite(__LINE__));
-  keys.Reference("warp_method", "", d, &SetWarpMethod, "%s(%d):  Unknown warp method '%s'\n");
-  return keys.Taken();
+  });
 }
 
 void WriteNumbers(ConfigFileWriter& writer, const char* key, const std::vector<double>& numbers) {
@@ -373,45 +367,46 @@ struct SystemEntry {
   }
 
   static void Read(ORVDef& d, ConfigFileReader& reader) {
-    DatumDraft datum;
-    ProjectionParameters projection;
+    KnownDatum knownDatum;              // when it is set, pieces do not count
+    std::unique_ptr<DatumDraft> datum;  // few entries have one
+    auto projection = std::make_unique<ProjectionDef>();
     WarpDraft warp;
     bool seenDatum = false, seenProjection = false, seenWarp = false;
     const ErrorSite site = OrvSite(__LINE__);
     const bool complete =
         ReadEntryBody(reader, kEntryTexts, site, [&](std::string_view key, std::string_view value) {
           KeyReader keys(key, value, reader, site);
+          const auto takes = [&keys](auto walk) {
+            const size_t before = keys.Taken();
+            walk();
+            return keys.Taken() > before;
+          };
           WalkHead(keys, d);
-          WalkTail(keys, d);
-          if (keys.Taken()) return;
           Guarded(reader, [&] {
-            WalkDatumReference(keys, datum, false);
-            if (keys.BeginsWith("datum_")) {  // one of WalkDatum's
-              datum.TakeToPieces();
-              WalkDatum(keys, datum, false);
-            }
-            if (keys.Taken()) {
-              seenDatum = true;
-              return;
-            }
-            WalkProjection(keys, projection);
-            if (keys.Taken()) {
-              seenProjection = true;
-            } else if (TakeWarp(warp, key, value, reader)) {
-              seenWarp = true;
-            }
+            seenWarp |= takes([&] { ReadWarp(keys, warp); });
+            seenDatum |= takes([&] {
+              WalkDatumReference(keys, "", knownDatum, false);
+              if (keys.BeginsWith("datum_")) {  // one of WalkDatum's
+                if (knownDatum) datum = std::make_unique<DatumDraft>(*std::exchange(knownDatum, nullptr));
+                if (!datum) datum = std::make_unique<DatumDraft>();
+                WalkDatum(keys, *datum, false);
+              }
+            });
+            seenProjection |= takes([&] { WalkProjection(keys, projection->m_Parameters); });
           });
+          WalkTail(keys, d);
         });
     if (!complete) return;
     Guarded(reader, [&] {
-      if (datum.known) {
-        SharedParts::SetDatum(d, std::move(datum.known));
+      if (knownDatum) {
+        SharedParts::SetDatum(d, std::move(knownDatum));
       } else if (seenDatum) {
-        const DatumDef made = datum.Make();
+        const DatumDef made = (datum ? *datum : DatumDraft()).Make();
         d.SetDatum(&made);
       }
       if (seenProjection) {
-        SharedParts::SetProjection(d, std::make_unique<ProjectionDef>(projection));
+        projection->SetParameters(projection->GetParameters());  // for the rules of the setter
+        SharedParts::SetProjection(d, std::move(projection));
       }
       if (seenWarp) {
         const WarpDef made = warp.Make();
@@ -425,10 +420,9 @@ struct SystemEntry {
     WalkHead(keys, d);
     if (d.m_pWarp) WriteWarp(keys, writer, *d.m_pWarp);
     if (d.m_pDatum) {
-      DatumDraft datum;
-      datum.Take(*d.m_pDatum);
+      DatumDraft datum(*d.m_pDatum);
       const bool known = IsKnown(*d.m_pDatum);
-      WalkDatumReference(keys, datum, known);
+      WalkDatumReference(keys, datum.token, d.m_pDatum, known);
       WalkDatum(keys, datum, known);
     }
     if (d.m_pProjection) {

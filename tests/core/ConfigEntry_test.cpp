@@ -9,6 +9,7 @@
 #include "orv/core/ORVGlobals.h"
 #include "orv/core/internal/Globals.h"
 #include "tests/support/CommaLocale.h"
+#include "tests/support/Generators.h"
 #include "tests/support/Raises.h"
 #include "tests/support/TempFolder.h"
 
@@ -135,6 +136,53 @@ TEST(ConfigEntry, KeysAreAppliedInTheOrderInWhichTheyStand) {
   EXPECT_EQ(EntryOf("radius=8 doubled=3").radius, 14.0);
   EXPECT_EQ(EntryOf("doubled=3 radius=8").radius, 8.0);
   EXPECT_EQ(EntryOf("name=a name=b").name, "b") << "and a text is not appended to";
+}
+
+// A walk takes as many pairs as stand in the order of the keys: orders and forms must not matter.
+TEST(ConfigEntry, PairsOfAnyOrderAndFormAreAppliedOneAfterTheOther) {
+  EXPECT_TRUE(orv::test::Holds([] {
+    Entry expected;
+    std::string text;
+    for (int count = orv::test::IntIn(0, 12); count > 0; --count) {
+      const int value = orv::test::IntIn(1, 100);
+      const auto pair = [&](const std::string& key) {
+        text += orv::test::OneOf<std::string>({"\n   ", " ", "\n; note\n"}) + key;
+        text += orv::test::OneOf<std::string>({"=", "=", " = ", "=\n;x=y\n"});
+        text += orv::test::OneOf<std::string>({"", " "}) + std::to_string(value) + " ";
+      };
+      switch (orv::test::IntIn(0, 7)) {
+        case 0:
+          pair("name");
+          expected.name = std::to_string(value);
+          break;
+        case 1:
+          pair("RADIUS");
+          expected.radius = value;
+          break;
+        case 2:
+          pair("inverse");
+          expected.radius = 1.0 / value;
+          break;
+        case 3:
+          pair("doubled");
+          expected.radius += 2.0 * value;
+          break;
+        case 4:
+          pair("number");
+          expected.number = value;
+          break;
+        case 5:
+          pair("angle");
+          expected.angle = value;
+          break;
+        default:
+          pair("unknown");
+      }
+    }
+    const Entry read = EntryOf(text);
+    ORV_HOLDS(read.name == expected.name && read.radius == expected.radius && read.number == expected.number);
+    ORV_HOLDS(read.angle == expected.angle && !read.flag && read.note.empty());
+  }));
 }
 
 TEST(ConfigEntry, UnknownKeysAreSkippedWithTheirValue) {

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -327,6 +328,52 @@ TEST(RecentNumbers, AreThoseOfTheirTextsHoweverOftenTheyAreAskedFor) {
   }
 }
 
+// What is read ahead as a number is the token that Next would read, and its number, whatever was read before.
+TEST(ConfigFileReader, NumbersTakenAheadAreThoseOfTheirTokens) {
+  const std::string twenty = "1234567890.123456789";
+  const std::string texts[] = {twenty,
+                               "'" + twenty + "'",
+                               twenty + "0",
+                               "-" + twenty,
+                               twenty + "x",
+                               twenty + "e-5",
+                               "'" + twenty + "e+5'",
+                               twenty + "e+5",
+                               twenty + "e",
+                               "1.5",
+                               "'2,5'",
+                               "2,5",
+                               "  " + twenty,
+                               "'" + twenty + ",7'",
+                               twenty + ",7",
+                               "'" + twenty + "\n",
+                               "99999999999999999999999",
+                               twenty + "/",
+                               "=",
+                               "" + twenty};
+  EXPECT_TRUE(orv::test::Holds([&texts] {
+    const TempFolder folder;
+    std::string file;
+    for (size_t count = orv::test::SizeIn(1, 40); count > 0; --count) {
+      file += texts[orv::test::SizeIn(0, std::size(texts))] + orv::test::OneOf<std::string>({" ", "\n", ""});
+    }
+    const std::string path = folder.Write("test.ocf", file);
+    ConfigFileReader taker, reader;
+    taker.Open(path.c_str());
+    reader.Open(path.c_str());
+    for (bool more = true; more;) {
+      const auto* const number = taker.TakeDecimalAt(taker.Ahead());
+      more = reader.Next();
+      ORV_HOLDS(number ? more : taker.Next() == more);
+      ORV_HOLDS(taker.Token() == reader.Token() && taker.Line() == reader.Line());
+      if (!number) continue;
+      size_t end = 0;
+      ORV_HOLDS(number->value == orv::internal::ReadDecimal(reader.Token(), &end));
+      ORV_HOLDS(number->isWhole == (end == reader.Token().size()));
+    }
+  }));
+}
+
 TEST(ConfigFileReader, ReopeningBeginsAfresh) {
   const TempFolder folder;
   ConfigFileReader reader;
@@ -623,4 +670,70 @@ TEST(ConfigFileReader, ReadsAnyTextAsTheLineByLineModelDoes) {
         ORV_HOLDS(TokensWithLines(text) == TokensByLine(text));
       },
       400));
+}
+
+// Two readers of one text: what one of them takes ahead is what the other reads next.
+TEST(ConfigFileReader, TokensTakenAheadAreThoseThatAreNext) {
+  EXPECT_TRUE(orv::test::Holds(
+      [] {
+        const TempFolder folder;
+        const std::string text = orv::test::TextOf(
+            {'a', 'B', '1', '=', ';', '}', '"', '"', '\'', ' ', '\n', '.', '5', '\xFF', '\0'});
+        const std::string path = folder.Write("test.ocf", text);
+        ConfigFileReader taker, reader;
+        taker.Open(path.c_str());
+        reader.Open(path.c_str());
+        for (bool more = true; more;) {
+          const int line = taker.Line();
+          const char* const ahead = taker.Ahead();
+          ORV_HOLDS(taker.Line() == line);
+          const bool taken = taker.TakeAt(ahead);
+          more = reader.Next();
+          ORV_HOLDS(taken ? more : taker.Next() == more);
+          ORV_HOLDS(taker.Token() == reader.Token() && taker.Line() == reader.Line());
+        }
+      },
+      400));
+}
+
+TEST(ConfigFileReader, TakesAheadOverWhiteSpaceButNoDelimiter) {
+  const TempFolder folder;
+  ConfigFileReader reader;
+  EXPECT_EQ(reader.Ahead(), nullptr) << "no file";
+  reader.Open(folder.Write("x.ocf", "\n   key= \t\n'a value' =;c\nlast").c_str());
+  const char* ahead = reader.Ahead();
+  ASSERT_EQ(std::string_view(ahead, 4), "key=");
+  ASSERT_TRUE(reader.TakeAt(ahead + 4));
+  EXPECT_EQ(reader.Token(), "a value");
+  EXPECT_EQ(reader.Line(), 3);
+  ahead = reader.Ahead();
+  EXPECT_FALSE(reader.TakeAt(ahead)) << "a delimiter";
+  EXPECT_FALSE(reader.TakeAt(ahead + 1)) << "a comment";
+  EXPECT_EQ(reader.Token(), "a value");
+  ASSERT_TRUE(reader.Next());
+  reader.GiveBack();
+  EXPECT_EQ(reader.Ahead(), ahead) << "a token given back is ahead";
+  ASSERT_TRUE(reader.Next());
+  EXPECT_EQ(reader.Token(), "=");
+  ASSERT_TRUE(reader.Next());
+  EXPECT_EQ(reader.Token(), "last");
+  EXPECT_FALSE(reader.TakeAt(reader.Ahead())) << "the end";
+  ConfigFileReader unescaping(true);
+  unescaping.Open(folder.Path("x.ocf").c_str());
+  EXPECT_EQ(unescaping.Ahead(), nullptr) << "escapes are left to Next";
+}
+
+TEST(ConfigFileReader, AQuotedTokenIsGivenBackWithItsQuotes) {
+  const TempFolder folder;
+  ConfigFileReader reader;
+  reader.Open(folder.Write("x.ocf", "a\n'b =c' d").c_str());
+  for (int token = 0; token < 2; ++token) ASSERT_TRUE(reader.Next());
+  for (int again = 0; again < 2; ++again) {
+    reader.GiveBack();
+    EXPECT_EQ(reader.Line(), 2);
+    ASSERT_TRUE(reader.Next());
+    EXPECT_EQ(reader.Token(), "b =c");
+  }
+  ASSERT_TRUE(reader.Next());
+  EXPECT_EQ(reader.Token(), "d");
 }

@@ -33,6 +33,17 @@ void ExpectAsStrtod(const std::string& text) {
 
 }  // namespace
 
+TEST(Number, DigitsAreCountedUpToEight) {
+  for (size_t digits = 0; digits <= 8; ++digits) {
+    for (int byte = 0; byte < 256; ++byte) {
+      if (byte >= '0' && byte <= '9') continue;
+      std::string text = "0918273645";
+      text[digits] = static_cast<char>(byte);
+      EXPECT_EQ(LeadingDigits(text.c_str()), digits) << byte;
+    }
+  }
+}
+
 // ---- decimal numbers -------------------------------------------------------------------------------------
 
 TEST(Number, TheLongestDecimalPrefixIsRead) {

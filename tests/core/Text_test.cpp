@@ -90,6 +90,18 @@ TEST(Text, TheFirstEightAreThoseThatATextHas) {
   }
 }
 
+TEST(Text, EachOfEightCharactersIsTestedByItself) {
+  for (int byte = 0; byte < 256; ++byte) {
+    const auto c = static_cast<char>(byte);
+    const std::string text = std::string("a") + c + "z" + c + c + "{`" + c;
+    const uint64_t eight = EightAt(text.c_str());
+    EXPECT_EQ(eight, FirstEight(text)) << byte;
+    const uint64_t each = byte >= 'a' && byte <= 'z' ? 0x0080008080000080u : 0u;
+    EXPECT_EQ(Within(eight, 'a', 'z'), each | 0x8000800000000000u) << byte;
+    EXPECT_EQ(Within(eight, 0, 127) & 0x0080008080000080u, byte < 128 ? 0x0080008080000080u : 0u) << byte;
+  }
+}
+
 TEST(Text, HashesOfAllLengthsIgnoreCaseAndMindEveryCharacter) {
   const std::string lower = "abcdefghijklmnopqrstuvwxyz", upper = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
   for (size_t size = 1; size <= lower.size(); ++size) {

@@ -86,6 +86,20 @@ TEST_F(SystemEntry, ReadsTextsAndCodesInAnyCaseAndOrder) {
   EXPECT_EQ(system.GetWarp(), nullptr);
 }
 
+// Keys ahead are told apart by their first characters, then by the others: none of these is a key.
+TEST_F(SystemEntry, KeysThatBeginOrEndAsOthersDoAreUnknown) {
+  const OpenOrv system = Orv(
+      "token=T\n   tokens=x\n   nam=x\n   projtypes=x\n   ellipsoi=x\n   ellipsoids=x\n   ellipsoid_=x\n"
+      "   ellipsoid_radii=x\n   datum_=x\n   datum_ellipsoid_tokens=x\n   poscs=1\n   name=N\n   warp_coef=x");
+  EXPECT_STREQ(system.GetToken(), "T");
+  EXPECT_STREQ(system.GetName(), "N");
+  EXPECT_EQ(system.GetPOSC(), 0);
+  EXPECT_EQ(system.GetDatum(), nullptr);
+  EXPECT_EQ(system.GetProjection(), nullptr);
+  EXPECT_EQ(system.GetWarp(), nullptr);
+  EXPECT_EQ(Orv("posc=7").GetPOSC(), 7);
+}
+
 TEST_F(SystemEntry, StopsAtItsClosingBrace) {
   OpenOrv system;
   Read(system, "token=A } { token=B }");

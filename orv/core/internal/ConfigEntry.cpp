@@ -24,11 +24,30 @@ bool CreateListFile(ConfigFileWriter& writer, const ListFile& file, const char* 
   return true;
 }
 
-bool KeyReader::TakesWhole(std::string_view key) {
-  if (m_Taken || m_Key.size() != key.size()) return false;
-  m_Taken =
-      m_Key.size() <= 8 || EqualIgnoringCase(m_Key.substr(8), key.substr(8));  // eight are equal already
-  return m_Taken;
+bool KeyReader::Takes(std::string_view key) {
+  if (!m_pAhead) return IsRead(key);
+  const char* const value = ValueAhead(key);
+  if (!value || !m_Reader.TakeAt(value)) return false;
+  m_Value = m_Reader.Token();
+  return true;
+}
+
+const RecentNumbers::Number* KeyReader::TakesNumber(std::string_view key) {
+  if (!m_pAhead) return IsRead(key) ? &m_Reader.Decimal(m_Value) : nullptr;
+  const char* const value = ValueAhead(key);
+  return value ? m_Reader.TakeDecimalAt(value) : nullptr;
+}
+
+// Of these two keys the first eight characters are equal already.
+bool KeyReader::IsRead(std::string_view key) const {
+  return m_Key.size() == key.size() && (key.size() <= 8 || EqualIgnoringCase(m_Key.substr(8), key.substr(8)));
+}
+
+const char* KeyReader::ValueAhead(std::string_view key) const {
+  for (size_t at = 8; at < key.size(); ++at) {
+    if (m_pAhead[at] != key[at]) return nullptr;
+  }
+  return m_pAhead[key.size()] == '=' ? m_pAhead + key.size() + 1 : nullptr;
 }
 
 bool KeyReader::IsTrue() const {

@@ -63,12 +63,14 @@ bool OpenListFile(ConfigFileReader& reader, const ListFile& file, const char* fi
 bool CreateListFile(ConfigFileWriter& writer, const ListFile& file, const char* fileName,
                     const ErrorSite& site);
 
-/// Reads pairs up to the closing brace, whose opening one has been read, and hands each to take(key, value).
+/// Reads pairs up to the closing brace, whose opening one has been read, and hands each to take(key, value), which may read the
+/// pairs that follow as KeyReader does.  The first time it gets an empty key, for what stands ahead.
 template <class Take>
 bool ReadEntryBody(ConfigFileReader& reader, const EntryTexts& texts, const ErrorSite& site, Take take) {
   const auto unexpectedEnd = [&] {
     return ORV_FAIL_AT(site, ErrSyntax, texts.unexpectedEnd, reader.FileName(), reader.Line());
   };
+  take(std::string_view(), std::string_view());
   for (;;) {
     if (!reader.Next()) return unexpectedEnd();
     if (reader.Token() == "}") return true;
@@ -99,106 +101,152 @@ bool ReadEntries(ConfigFileReader& reader, const EntryTexts& texts, const ErrorS
   return true;
 }
 
-/// The name of a key, in a form in which a reader tells it from nearly every other at once.  Made of literals.
+/// The name of a key, in a form in which a reader tells it from nearly every other at once.  Made of literals in lower case.
 struct KeyName {
-  consteval KeyName(const char* name) : text(name), eight(EightFolded(name)) {}
+  consteval KeyName(const char* name)
+      : text(name),
+        eight(EightOf(text)),
+        mask(text.size() < 7 ? ~(~uint64_t{0} >> (8 * text.size() + 8)) : ~uint64_t{0}) {}
+  /// The first eight characters of a key and of the "=" behind it.
+  static constexpr uint64_t EightOf(std::string_view key) {
+    return EightFolded(key) | (key.size() < 8 ? uint64_t{'='} << (56 - 8 * key.size()) : 0);
+  }
 
-  const char* text;
-  uint64_t eight;  // the first characters
+  std::string_view text;
+  uint64_t eight;
+  uint64_t mask;  // of those of the eight that count
 };
 
-/// Offers one pair to an entry's keys.
+/// Offers a pair that has been read to an entry's keys and, when a key has taken it or it is empty, the pair that follows, as
+/// long as these stand in the form in which they are written: a key in lower case, "=" and, maybe behind white space, a
+/// value.  Pairs in the order of the keys are all taken in one walk; those that are not taken are not read.
 class KeyReader {
  public:
   KeyReader(std::string_view key, std::string_view value, ConfigFileReader& reader, const ErrorSite& site)
-      : m_Key(key), m_Eight(EightFolded(key)), m_Value(value), m_Reader(reader), m_Site(site) {}
+      : m_Eight(KeyName::EightOf(key)), m_Key(key), m_Value(value), m_Reader(reader), m_Site(site) {
+    if (key.empty()) LookAhead();
+  }
 
   void Text(KeyName key, std::string& value, bool = true) {
-    if (Takes(key)) value = std::string(m_Value);
+    On(key, [&] { value = std::string(m_Value); });
   }
   void Number(KeyName key, const char*, double& value, bool = true) {
-    if (Takes(key)) value = m_Reader.Decimal(m_Value).value;
+    OnNumber(key, [&](const auto& number) { value = number.value; });
   }
   /// The same, or a text that parse(value, text) understands.
   void NumberOr(KeyName key, double& value, void (*parse)(double& value, std::string_view text)) {
-    if (!Takes(key)) return;
-    const RecentNumbers::Number& number = m_Reader.Decimal(m_Value);
-    if (number.isWhole) {
-      value = number.value;
-    } else {
-      parse(value, m_Value);
-    }
+    OnNumber(key, [&](const auto& number) {
+      if (number.isWhole) {
+        value = number.value;
+      } else {
+        parse(value, m_Reader.Token());
+      }
+    });
   }
   void Int(KeyName key, int& value, bool = true) {
-    if (Takes(key)) value = ReadInteger(m_Value);
+    On(key, [&] { value = ReadInteger(m_Value); });
   }
   /// "true" without regard to case sets the flag, every other text clears it.
   void Flag(KeyName key, bool& value, bool = true) {
-    if (Takes(key)) value = IsTrue();
+    On(key, [&] { value = IsTrue(); });
   }
   /// A name of a vocabulary; one that stands in no row raises `unknown` (1029, with file, line and the
   /// value).
   template <class E, class Rows>
   void Named(KeyName key, E& value, const Rows& vocabulary, const char* unknown, bool = true) {
-    if (Takes(key)) TakeNamed(value, vocabulary, unknown);
+    On(key, [&] {
+      const auto* const row = RowNamed(vocabulary, m_Value);
+      if (row) {
+        value = row->number;
+      } else {
+        Complain(unknown);
+      }
+    });
   }
   template <class Self>
   void Derived(KeyName key, const char*, Self& self, double (*)(const Self&), void (*set)(Self&, double),
                bool = true) {
-    if (Takes(key)) set(self, m_Reader.Decimal(m_Value).value);
+    OnNumber(key, [&](const auto& number) { set(self, number.value); });
   }
   template <class Self>
   void ReadOnly(KeyName key, Self& self, void (*set)(Self&, double)) {
-    if (Takes(key)) set(self, m_Reader.Decimal(m_Value).value);
+    OnNumber(key, [&](const auto& number) { set(self, number.value); });
   }
   /// A number whose text only the caller understands: parse(self, text) gives false to raise `bad` (1029,
   /// with file, line and the text).  It is written by `format` as it is.
   template <class Self>
   void Parsed(KeyName key, const char*, Self& self, double, bool (*parse)(Self&, std::string_view),
               const char* bad) {
-    if (Takes(key) && !parse(self, m_Value)) Complain(bad);
+    On(key, [&] {
+      if (!parse(self, m_Value)) Complain(bad);
+    });
   }
   /// The token of an entry of another list: take(self, token) gives false, when that list has no such entry,
   /// to raise `unknown` (1029, with file, line and the token).
   template <class Self>
   void Reference(KeyName key, const std::string&, Self& self, bool (*take)(Self&, std::string_view),
                  const char* unknown, bool = true) {
-    if (Takes(key) && !take(self, m_Value)) Complain(unknown);
+    On(key, [&] {
+      if (!take(self, m_Value)) Complain(unknown);
+    });
+  }
+  /// A value of several tokens: take(reader) reads those behind the present one.
+  template <class Take>
+  void Tokens(KeyName key, Take take) {
+    On(key, [&] { take(m_Reader); });
   }
 
   /// Whether the pair's key begins with these six characters and has more.
-  bool BeginsWith(KeyName six) const { return m_Key.size() > 6 && (m_Eight ^ six.eight) >> 16 == 0; }
-  /// Whether one of the keys offered so far was the pair's.
-  bool Taken() const { return m_Taken; }
+  bool BeginsWith(KeyName six) const {
+    const uint64_t apart = m_Eight ^ six.eight;
+    return apart >> 16 == 0 && apart >> 8 != 0;
+  }
+  /// How many pairs have been taken.
+  size_t Taken() const { return m_Taken; }
 
  private:
   // Nearly every key that is offered is another one: what follows a match is kept out of line.
-  bool Takes(KeyName key) { return m_Eight == key.eight && TakesWhole(key.text); }
-  bool TakesWhole(std::string_view key);
-  bool IsTrue() const;
-  template <class E, class Rows>
-  void TakeNamed(E& value, const Rows& vocabulary, const char* unknown) {
-    const auto* const row = RowNamed(vocabulary, m_Value);
-    if (row) {
-      value = row->number;
-    } else {
-      Complain(unknown);
-    }
+  template <class Work>
+  void On(const KeyName& key, Work work) {
+    if (!IsNext(key) || !Takes(key.text)) return;
+    work();
+    ++m_Taken;
+    LookAhead();
   }
+  template <class Work>
+  void OnNumber(const KeyName& key, Work work) {
+    if (!IsNext(key)) return;
+    const RecentNumbers::Number* const number = TakesNumber(key.text);
+    if (!number) return;
+    work(*number);
+    ++m_Taken;
+    LookAhead();
+  }
+  bool IsNext(const KeyName& key) const { return ((m_Eight ^ key.eight) & key.mask) == 0; }
+  bool Takes(std::string_view key);
+  const RecentNumbers::Number* TakesNumber(std::string_view key);
+  bool IsRead(std::string_view key) const;
+  const char* ValueAhead(std::string_view key) const;
+  void LookAhead() {
+    m_pAhead = m_Reader.Ahead();
+    m_Eight = m_pAhead ? EightAt(m_pAhead) : 0;
+  }
+  bool IsTrue() const;
   void Complain(const char* message);
 
-  std::string_view m_Key;
-  uint64_t m_Eight;
+  uint64_t m_Eight;                // the first characters of the pair; 0 for none
+  const char* m_pAhead = nullptr;  // the pair, when it has not been read
+  std::string_view m_Key;          // when it has
   std::string_view m_Value;
   ConfigFileReader& m_Reader;
   ErrorSite m_Site;
-  bool m_Taken = false;
+  size_t m_Taken = 0;
 };
 
 class KeyWriter;
 
-/// What only a writer asks for need not be computed for a reader, which walks all keys for each pair of an
-/// entry.
+/// What only a writer asks for need not be computed for a reader, which walks all keys for each entry, if not for each pair of
+/// it.
 template <class Walker>
 constexpr bool kWriting = std::is_same_v<Walker, KeyWriter>;
 
@@ -244,7 +292,7 @@ class KeyWriter {
  private:
   // Names may hold anything: a line never passes through a format.
   void Line(KeyName key, const std::string& value) {
-    m_Writer.Write(std::string("   ") + key.text + '=' + value + '\n');
+    m_Writer.Write("   " + std::string(key.text) + '=' + value + '\n');
   }
 
   ConfigFileWriter& m_Writer;

@@ -11,8 +11,9 @@
 //     };
 //
 // A key is a struct with `static K Of(const Info&)`, `static int Compare(K, K)` (negative, 0 or positive),
-// `static uint64_t Hash(K)` (the same for equal keys) and `static void Sort(first, last, of)`, which sorts
-// ascending positions by their keys of(position), those of equal keys staying in order.
+// `static bool Equal(K, K)` (whether Compare gives 0, but quicker), `static uint64_t Hash(K)` (the same for equal keys),
+// `static uint64_t HashOf(const Info&)` (the same of an entry's key, in its lower 32 bits) and `static void Sort(first,
+// last, of)`, which sorts ascending positions by their keys of(position), those of equal keys staying in order.
 // The header of each list says which finds use an index and which scan.
 #pragma once
 
@@ -214,11 +215,16 @@ class ListCore {
   /// search of the key's index where keys repeat or entries have been taken out.
   template <class Key, class K>
   int FindByKey(const K& key) const {
+    return FindByKey<Key>(key, Key::Hash(key));
+  }
+  /// The same of a key whose hash is known.
+  template <class Key, class K>
+  int FindByKey(const K& key, uint64_t hash) const {
     if (m_bHashed) {
       const HashedPositions& hashes = m_Indexes[NumberOf<Key>(kAllKeys)].Hashes();
       int found = kNone;
-      hashes.Find(Key::Hash(key), [&](uint32_t position) {
-        if (Key::Compare(key, Key::Of(m_Entries[position])) != 0) return false;
+      hashes.Find(hash, [&](uint32_t position) {
+        if (!Key::Equal(key, Key::Of(m_Entries[position]))) return false;
         found = static_cast<int>(position) + kFirst;
         return true;
       });
@@ -243,7 +249,11 @@ class ListCore {
   /// Whether an entry other than the one at `except` has that key.
   template <class Key, class K>
   bool KeyTaken(const K& key, int except) const {
-    const int found = FindByKey<Key>(key);
+    return KeyTaken<Key>(key, Key::Hash(key), except);
+  }
+  template <class Key, class K>
+  bool KeyTaken(const K& key, uint64_t hash, int except) const {
+    const int found = FindByKey<Key>(key, hash);
     if (found == kNone || found != except) return found != kNone;
     return Find([&](const Info& info) {
              return &info != &At(except) && Key::Compare(key, Key::Of(info)) == 0;
@@ -322,10 +332,7 @@ class ListCore {
   }
   template <size_t... I>
   void Hash([[maybe_unused]] uint32_t position, std::index_sequence<I...>) {
-    (m_Indexes[I].Hashes().Add(
-         std::tuple_element_t<I, Keys>::Hash(std::tuple_element_t<I, Keys>::Of(m_Entries[position])),
-         position),
-     ...);
+    (m_Indexes[I].Hashes().Add(std::tuple_element_t<I, Keys>::HashOf(m_Entries[position]), position), ...);
   }
   /// Positions are about to change: sorted indexes can follow, hashes cannot.
   void DropHashes() {

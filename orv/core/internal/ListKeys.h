@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include "orv/core/internal/Dump.h"
@@ -16,7 +17,11 @@ template <class Info, const char* (Info::*Get)() const>
 struct TextKey {
   static const char* Of(const Info& info) { return EmptyIfNull((info.*Get)()); }
   static int Compare(const char* a, const char* b) { return CompareIgnoringCase(a, b); }
+  static bool Equal(const char* a, const char* b) {
+    return (*a == *b && std::strcmp(a, b) == 0) || Compare(a, b) == 0;  // mostly the cases are the same, too
+  }
   static uint64_t Hash(const char* text) { return HashIgnoringCase(text); }
+  static uint64_t HashOf(const Info& info) { return Hash(Of(info)); }
   template <class Of>
   static void Sort(std::vector<uint32_t>::iterator first, std::vector<uint32_t>::iterator last, Of of) {
     std::vector<NumberedText> texts;
@@ -32,7 +37,10 @@ template <class Info, int (Info::*Get)() const>
 struct NumberKey {
   static int Of(const Info& info) { return (info.*Get)(); }
   static int Compare(int a, int b) { return a > b ? 1 : a < b ? -1 : 0; }
-  static uint64_t Hash(int number) { return static_cast<uint64_t>(number); }
+  static bool Equal(int a, int b) { return a == b; }
+  // Numbers mostly follow each other, their hashes must not.
+  static uint64_t Hash(int number) { return static_cast<uint64_t>(number) * 0x9e3779b97f4a7c15u >> 32; }
+  static uint64_t HashOf(const Info& info) { return Hash(Of(info)); }
   template <class Of>
   static void Sort(std::vector<uint32_t>::iterator first, std::vector<uint32_t>::iterator last, Of of) {
     std::stable_sort(first, last, [&of](uint32_t a, uint32_t b) { return of(a) < of(b); });
@@ -43,7 +51,7 @@ struct NumberKey {
 template <class Core, class Key>
 bool TextTaken(const Core& core, const typename Core::Info& info, int except) {
   const char* const text = Key::Of(info);
-  return *text != '\0' && core.template KeyTaken<Key>(text, except);
+  return *text != '\0' && core.template KeyTaken<Key>(text, Key::HashOf(info), except);
 }
 template <class Core, class Key>
 bool NumberTaken(const Core& core, const typename Core::Info& info, int except) {

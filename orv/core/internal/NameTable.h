@@ -11,11 +11,21 @@
 
 namespace orv::internal {
 
+/// A literal with its length, by which most are told apart; or null.
+struct Spelling {
+  constexpr Spelling(const char* literal)
+      : text(literal), size(literal ? std::string_view(literal).size() : 0) {}
+  constexpr operator const char*() const { return text; }
+
+  const char* text;
+  size_t size;
+};
+
 template <class E>
 struct NameRow {
   E number;
-  const char* name;             ///< the spelling that is written
-  const char* other = nullptr;  ///< a further spelling of the same row, or null
+  Spelling name;             ///< the spelling that is written
+  Spelling other = nullptr;  ///< a further spelling of the same row, or null
 };
 
 /// The first row of a number, or null.
@@ -50,9 +60,9 @@ template <class Row, size_t N>
 const Row* RowNamed(const Row (&rows)[N], std::string_view name) {
   name = name.substr(0, name.find('\0'));
   if (name.empty()) return nullptr;
-  const unsigned char first = FoldCase(name[0]);
-  const auto is = [&](const char* spelling) {
-    return spelling && FoldCase(*spelling) == first && EqualIgnoringCase(std::string_view(spelling), name);
+  const auto is = [name](const Spelling& spelling) {
+    return spelling.size == name.size() &&
+           EqualIgnoringCase(std::string_view(spelling.text, spelling.size), name);
   };
   for (const Row& row : rows) {
     if (is(row.name) || is(row.other)) return &row;

@@ -11,10 +11,15 @@ namespace orv::internal {
 
 namespace {
 
+bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') < 10; }
 
 const char* SkipDigits(const char* at, const char* end) {
-  while (end - at >= 8 && AreEightDigits(at)) at += 8;
+  while (end - at >= 8) {
+    const size_t digits = LeadingDigits(at);
+    at += digits;
+    if (digits < 8) return at;
+  }
   while (at != end && IsDigit(*at)) ++at;
   return at;
 }
@@ -106,8 +111,9 @@ double ReadDecimal(std::string_view text, size_t* end) {
 }
 
 int ReadInteger(std::string_view text) {
-  size_t at = text.find_first_not_of(" \t\n\v\f\r");
-  if (at == std::string_view::npos) return 0;
+  size_t at = 0;
+  while (at < text.size() && IsSpace(text[at])) ++at;
+  if (at == text.size()) return 0;
   bool negative = false;
   if (text[at] == '+' || text[at] == '-') negative = text[at++] == '-';
   int64_t value = 0;

@@ -2,23 +2,22 @@
 // are written with Format of Text.h.)
 #pragma once
 
+#include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
 
+#include "orv/core/internal/Text.h"
+
 namespace orv::internal {
 
-/// Whether eight characters are digits, 0x30 to 0x39: the upper half of each is 3, and still is when 6 is added.
-inline bool AreEightDigits(const char* at) {
-  constexpr uint64_t kEach = 0x0101010101010101u;
-  uint64_t eight;
-  std::memcpy(&eight, at, sizeof eight);
-  const uint64_t three = kEach * 0x30;
-  const uint64_t plusSix = (eight & kEach * 0x7f) + kEach * 0x06;  // carries into no other character
-  return (((eight ^ three) | (plusSix ^ three)) & kEach * 0xf0) == 0;
+/// How many of eight characters, from the first on, are digits.
+inline size_t LeadingDigits(const char* at) {
+  const uint64_t others = Within(EightAt(at), '0', '9') ^ 0x8080808080808080u;
+  return static_cast<size_t>(std::countl_zero(others)) / 8;
 }
 
 /// The longest decimal number that `text` begins with: an optional sign, digits with an optional point, an

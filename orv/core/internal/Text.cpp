@@ -59,7 +59,10 @@ void SortIgnoringCase(std::vector<NumberedText>& texts) {
 
 const char* ShortNameOf(const char* name) {
   const char* const bar = std::strrchr(name, '|');
-  return bar ? bar + std::strspn(bar, "| ") : name;
+  if (!bar) return name;
+  const char* at = bar;
+  while (*at == '|' || *at == ' ') ++at;
+  return at;
 }
 
 std::string FormatV(const char* format, std::va_list args) {

@@ -1,9 +1,11 @@
 // Text.h: names compared without regard to case, and texts formatted as in the C locale.
 #pragma once
 
+#include <bit>
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,26 +38,45 @@ constexpr uint64_t FirstEight(std::string_view text) {
   return size == 0 ? 0 : at(0) | at(size / 2) | at(size - 1);
 }
 
-/// The same of the folded text.
-constexpr uint64_t EightFolded(std::string_view text) {
-  const uint64_t eight = FirstEight(text);
-  // Bit 7 of each byte below 128: whether it is at least 'A', and whether it is above 'Z'.
-  constexpr uint64_t kEach = 0x0101010101010101u;
-  const uint64_t low = eight & kEach * 0x7f;
-  const uint64_t fromA = low + kEach * (0x80 - 'A');
-  const uint64_t behindZ = low + kEach * (0x7f - 'Z');
-  return eight | (((fromA ^ behindZ) & ~eight & kEach * 0x80) >> 2);
+/// The same of eight characters that are there, always by one load.
+inline uint64_t EightAt(const char* text) {
+  uint64_t eight;
+  std::memcpy(&eight, text, sizeof eight);
+  if constexpr (std::endian::native == std::endian::big) return eight;
+  eight = (eight & 0x00ff00ff00ff00ffu) << 8 | (eight >> 8 & 0x00ff00ff00ff00ffu);  // one swap
+  eight = (eight & 0x0000ffff0000ffffu) << 16 | (eight >> 16 & 0x0000ffff0000ffffu);
+  return eight << 32 | eight >> 32;
 }
 
+/// Bit 7 of those of eight characters that lie within two others, which are below 128.
+constexpr uint64_t Within(uint64_t eight, char first, char last) {
+  constexpr uint64_t kEach = 0x0101010101010101u;
+  const uint64_t low = eight & kEach * 0x7f;  // so that sums carry into no other character
+  const uint64_t fromFirst = low + kEach * static_cast<unsigned char>(0x80 - first);
+  const uint64_t behindLast = low + kEach * static_cast<unsigned char>(0x7f - last);
+  return (fromFirst ^ behindLast) & ~eight & kEach * 0x80;
+}
+
+/// Eight such characters folded.
+constexpr uint64_t Folded(uint64_t eight) { return eight | Within(eight, 'A', 'Z') >> 2; }
+
+/// The first eight characters of the folded text.
+constexpr uint64_t EightFolded(std::string_view text) { return Folded(FirstEight(text)); }
+
 /// A number that texts share which are equal without regard to case.
-constexpr uint64_t HashIgnoringCase(std::string_view text) {
+inline uint64_t HashIgnoringCase(std::string_view text) {
   uint64_t hash = text.size();
   const auto take = [&hash](uint64_t eight) {
     hash = (hash ^ (eight | 0x2020202020202020u)) * 0x9e3779b97f4a7c15u;  // the bit that tells 'A' from 'a'
     hash ^= hash >> 32;
   };
-  for (size_t at = 0; at + 8 < text.size(); at += 8) take(FirstEight(text.substr(at, 8)));
-  take(FirstEight(text.substr(text.size() > 8 ? text.size() - 8 : 0)));  // which may overlap
+  if (text.size() < 8) {
+    take(FirstEight(text));
+    return hash;
+  }
+  const char* const last = text.data() + text.size() - 8;
+  for (const char* at = text.data(); at < last; at += 8) take(EightAt(at));
+  take(EightAt(last));  // which may overlap
   return hash;
 }
 
