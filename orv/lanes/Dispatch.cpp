@@ -54,6 +54,8 @@ int Candidates(Candidate (&list)[kMostCandidates]) {
 }
 
 constexpr std::size_t kFewPoints = 8;
+constexpr std::size_t kOneByOne =
+    2;  // points that one lane takes one after the other as quickly as four lanes at once
 
 struct Choice {
   const KernelTable* best;
@@ -72,7 +74,10 @@ Choice Choose(const char* wanted) {
   Choice choice = {list[first].table, {}};
   for (std::size_t points = 0; points <= kFewPoints; ++points) {
     int narrowest = count - 1;
-    while (narrowest > first && (list[narrowest].table->lanes < points || !list[narrowest].runs)) --narrowest;
+    if (points > kOneByOne) {
+      while (narrowest > first && (list[narrowest].table->lanes < points || !list[narrowest].runs))
+        --narrowest;
+    }
     choice.few[points] = list[narrowest].table;
   }
   return choice;

@@ -175,8 +175,8 @@ struct KernelTable {
 /// is ignored.
 const KernelTable& Kernels();
 
-/// The quickest set for a call of n points, none above Kernels(): that one itself from nine points on, for fewer the
-/// narrowest that takes them in one group.
+/// The quickest set for a call of n points, none above Kernels(): that one itself from nine points on, one lane for one or
+/// two, for others the narrowest that takes them in one group.
 const KernelTable& KernelsFor(std::size_t n);
 
 /// The set of that name, or null when this machine or this build lacks it.  For tests and benchmarks.
