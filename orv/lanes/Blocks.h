@@ -10,8 +10,6 @@ namespace orv::lanes {
 inline constexpr std::size_t kBlockPoints = 512;  ///< points in a block: 8 KB
 inline constexpr std::size_t kMostLanes = 16;     ///< a multiple of every set's lanes
 
-/// Lanes are a power of two: a remainder by division would take a fifth of a call of one point.
-///
 /// Calls f(const KernelTable& kernels, double* xy, std::size_t count) on block after block of the n points,
 /// in order.
 ///
@@ -23,6 +21,7 @@ inline constexpr std::size_t kMostLanes = 16;     ///< a multiple of every set's
 /// exception out of f passes through; the padded points are then not copied back.
 template <class Fit, class F>
 void ForEachBlock(double* xy, std::size_t n, const KernelTable& best, Fit fit, F f) {
+  // Lanes are a power of two: a remainder by division would take a fifth of a call of one point.
   const std::size_t rest = n & (best.lanes - 1), whole = n - rest;
   for (std::size_t i = 0; i < whole; i += kBlockPoints) {
     f(best, xy + 2 * i, whole - i < kBlockPoints ? whole - i : kBlockPoints);

@@ -176,7 +176,7 @@ struct KernelTable {
 const KernelTable& Kernels();
 
 /// The quickest set for a call of n points, none above Kernels(): that one itself from nine points on, one lane for one or
-/// two, for others the narrowest that takes them in one group.
+/// two, for others the narrowest that takes them in one group, if any does.
 const KernelTable& KernelsFor(std::size_t n);
 
 /// The set of that name, or null when this machine or this build lacks it.  For tests and benchmarks.

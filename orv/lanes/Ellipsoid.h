@@ -13,11 +13,8 @@ namespace ORV_ISA {
 /// Up to this eccentricity, which every ellipsoid of the Earth is below, short series replace roots, artanh and exp.
 inline constexpr double kLargestSmallEccentricity = 0.087;
 
-/// Whether e^2, which is negative for an ellipsoid that is longer than wide, is that small.
-inline bool IsSmall(double e2) {
-  constexpr double largest = kLargestSmallEccentricity * kLargestSmallEccentricity;
-  return e2 <= largest && e2 >= -largest;
-}
+/// Whether e^2 is that of so small an eccentricity.
+inline bool IsSmall(double e2) { return e2 <= kLargestSmallEccentricity * kLargestSmallEccentricity; }
 
 /// 1/sqrt(1 - z) of a z that IsSmall.
 inline Lanes InverseRootOfSmall(Lanes z) {
@@ -32,8 +29,9 @@ inline Lanes InverseRoot(double e2, Lanes squaredSine) {
 
 /// 1/sqrt(x) of a positive x that is hardly ever far from 1.
 inline Lanes InverseRootNearOne(Lanes x) {
-  const Lanes z = 1.0 - x, near = InverseRootOfSmall(z);
+  const Lanes z = 1.0 - x;
   const Mask far = abs(z) > kLargestSmallEccentricity * kLargestSmallEccentricity;
+  const Lanes near = InverseRootOfSmall(Except(z, far, 0.0));
   if (!Any(far)) return near;
   return Select(far, 1.0 / sqrt(x), near);
 }

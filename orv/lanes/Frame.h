@@ -192,12 +192,17 @@ inline InTurn Alternating(double forX, double forY) {
 
 /// Whether every coordinate has at most that magnitude.  A NaN has not, and raises no flag as a comparison would:
 /// magnitudes are ordered as their bits are.
-inline bool Within(InTurn s, InTurn most) {
+inline bool AllWithin(InTurn s, InTurn most) {
   return !AnyNegative((BitsOf(most.a) - BitsOf(abs(s.a))) | (BitsOf(most.b) - BitsOf(abs(s.b))));
 }
 
-/// Of results that are plainly no marker and not infinite, whatever an origin adds to them.
+/// Of results that are plainly no marker and not infinite, also when an origin as large is added to them.
 inline constexpr double kUsualResult = 1e300;
+
+/// Whether an origin is that small.
+inline bool IsUsual(double dx, double dy) {
+  return dx < kUsualResult && -dx < kUsualResult && dy < kUsualResult && -dy < kUsualResult;
+}
 
 /// Points without NaN and infinities; `met` gets the marked ones.
 inline Point Checked(Point p, Mask& met) {
@@ -232,7 +237,7 @@ ORV_KERNEL inline void RunBeforeForward(double* xy, std::size_t n) {
   const InTurn usual = Alternating(359.99999999999994, 90.0);  // that is the number below 360
   EachGroup(xy, n, [usual](double* points, std::size_t) {
     const InTurn s = LoadInTurn(points);
-    if (Within(s, usual)) return StoreInTurn(points, ToRadians(s.a), ToRadians(s.b));
+    if (AllWithin(s, usual)) return StoreInTurn(points, ToRadians(s.a), ToRadians(s.b));
     Point p;
     Load(points, p.x, p.y);
     p = InRadians(NormaliseCoordinates(p));
@@ -243,10 +248,12 @@ ORV_KERNEL inline void RunBeforeForward(double* xy, std::size_t n) {
 ORV_KERNEL inline bool RunAfterForward(double* xy, std::size_t n, double dx, double dy, double k) {
   if (dx == 0.0 && dy == 0.0) dx = dy = -0.0;  // which changes nothing, not even -0
   const InTurn usual = Alternating(kUsualResult, kUsualResult), origin = Alternating(dx, dy);
+  const bool isUsual = IsUsual(dx, dy);
   Mask met = Mask();
   EachGroup(xy, n, [=, &met](double* points, std::size_t) {
     const InTurn s = LoadInTurn(points);
-    if (Within(s, usual)) return StoreInTurn(points, (s.a + origin.a) * k, (s.b + origin.b) * k);
+    if (isUsual && AllWithin(s, usual))
+      return StoreInTurn(points, (s.a + origin.a) * k, (s.b + origin.b) * k);
     Point p;
     Load(points, p.x, p.y);
     p = OnUnmarked(Checked(p, met), [=](Point q) { return Point{q.x + dx, q.y + dy}; });
@@ -259,11 +266,12 @@ ORV_KERNEL inline bool RunAfterForward(double* xy, std::size_t n, double dx, dou
 ORV_KERNEL inline bool RunBeforeInverse(double* xy, std::size_t n, double k, double dx, double dy) {
   if (dx == 0.0 && dy == 0.0) dx = dy = 0.0;  // which changes nothing; to subtract -0 would
   const InTurn usual = Alternating(kUsualResult, kUsualResult), origin = Alternating(dx, dy);
+  const bool isUsual = IsUsual(dx, dy);
   const bool scales = k != 1.0;
   Mask met = Mask();
   EachGroup(xy, n, [=, &met](double* points, std::size_t) {
     InTurn s = LoadInTurn(points);
-    if (Within(s, usual)) {
+    if (isUsual && AllWithin(s, usual)) {
       if (scales) s = {s.a / k, s.b / k};
       return StoreInTurn(points, s.a - origin.a, s.b - origin.b);
     }
@@ -281,7 +289,7 @@ ORV_KERNEL inline bool RunAfterInverse(double* xy, std::size_t n) {
   Mask met = Mask();
   EachGroup(xy, n, [usual, &met](double* points, std::size_t) {
     const InTurn s = LoadInTurn(points);
-    if (Within(s, usual)) return StoreInTurn(points, ToDegrees(s.a), ToDegrees(s.b));
+    if (AllWithin(s, usual)) return StoreInTurn(points, ToDegrees(s.a), ToDegrees(s.b));
     Point p;
     Load(points, p.x, p.y);
     p = NormaliseCoordinates(InDegrees(Checked(p, met)));
@@ -308,7 +316,7 @@ ORV_KERNEL inline bool RunBeforeShift(double* xy, std::size_t n, double* offsets
   const InTurn usual = Alternating(180.0, 90.0);
   Mask met = Mask();
   EachGroup(xy, n, [=, &met](double* points, std::size_t first) {
-    if (Within(LoadInTurn(points), usual)) return StoreOffsets(offsets + first, n - first, 0.0);
+    if (AllWithin(LoadInTurn(points), usual)) return StoreOffsets(offsets + first, n - first, 0.0);
     Point p;
     Load(points, p.x, p.y);
     p = NormalisePoints(Checked(p, met));
@@ -328,7 +336,7 @@ ORV_KERNEL inline bool RunAfterShift(double* xy, std::size_t n, const double* of
     const Lanes offset = LoadOffsets(offsets + first, n - first);
     Point p;
     Load(points, p.x, p.y);
-    if (Within({p.x, p.y}, usual)) return Store(points, p.x + offset, p.y);
+    if (AllWithin({p.x, p.y}, usual)) return Store(points, p.x + offset, p.y);
     p = Checked(p, met);
     const Mask skip = Marked(p);
     const Lanes x = Except(p.x, skip, 0.0) + offset;

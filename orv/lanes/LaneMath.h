@@ -1,7 +1,7 @@
 // Elementary functions of Lanes: no tables, no calls, no branch on a lane.
 //
 // They exist because no library gives the same bits on every instruction set at this speed.  All are plain
-// + - * / and sqrt in a fixed order, no contraction, so one lane and eight lanes agree to the last bit.
+// + - * / and sqrt in a fixed order, no contraction, so one lane and sixteen lanes agree to the last bit.
 //
 // Errors are the worst of a million arguments against MPFR, in units in the last place of the exact result; the
 // test LaneMath_test.cpp measures them again, over fewer, and asserts them.  Arguments outside the stated range give a wrong

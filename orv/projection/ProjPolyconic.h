@@ -34,12 +34,13 @@ namespace ORV_ISA {
 /// Radii: no point of any map is as far away.
 inline constexpr double kPolyconicFarthest = 100.0;
 
-/// Absolute, radians, and steps of (18-9), (18-21): the step after one of that size would be of the order of its square.
-inline constexpr double kPolyconicTolerance = 1e-9;
+/// Radians, absolute and relative to the cosine of the latitude, of (18-9), (18-21): the step after one of that size would be
+/// of the order of its square over that cosine.
+inline constexpr double kPolyconicTolerance = 1e-15, kPolyconicRelative = 1e-9;
 inline constexpr int kPolyconicSteps = 50;
 
-/// Radians: steps start no closer to the pole.
-inline constexpr double kPolyconicHighestStart = 1.5;
+/// Radians: steps start no closer to the pole, but for points whose distance from it, in radii, has at most this square.
+inline constexpr double kPolyconicHighestStart = 1.5, kPolyconicPolar = 0.01;
 
 /// Radii, radians: an A that close to 0 is 0, and no latitude of another A is nearer to 0 than the second.
 inline constexpr double kPolyconicEquator = 1e-280, kPolyconicLowest = 1e-290;
@@ -83,9 +84,14 @@ inline PolyconicLatitude PolyconicLatitudeOf(const Polyconic& c, Lanes x, Lanes 
     phi = A / (1.0 + (half + 0.5 * Square(A - phi)) * Poly(z, 1.0, 1.0 / 3, 2.0 / 15, 17.0 / 315));
   }
   phi = Select(phi < kPolyconicHighestStart, phi, kPolyconicHighestStart);
+  // Near the pole parallels are circles about it; steps from elsewhere would only halve the distance.
+  const Lanes beyond = A - PolyconicArc(c, kHalfPi, {1.0, 0.0}) * (1.0 / c.a);
+  const Lanes away2 = (1.0 - c.e2) * (x2 + Square(beyond));
+  const Mask polar = away2 < kPolyconicPolar;
+  if (Any(polar)) phi = Select(polar, kHalfPi - sqrt(away2), phi);
   Lanes low = kPolyconicLowest, high = kHalfPi;
   SinCos f = sincos(phi);
-  Mask active = phi == phi;
+  Mask active = phi == phi;  // all
   for (int step = 0; step < kPolyconicSteps && Any(active); ++step) {
     const Lanes w2 = 1.0 - c.e2 * Square(f.sin), inverse = InverseRoot(c.e2, Square(f.sin)), w = w2 * inverse;
     const Lanes M1 = (1.0 - c.e2) * inverse * Square(inverse);  // (18-17)
@@ -98,14 +104,12 @@ inline PolyconicLatitude PolyconicLatitudeOf(const Polyconic& c, Lanes x, Lanes 
     low = Select(g > 0.0, phi, low);
     high = Select(g > 0.0, high, phi);
     const Lanes newton = phi - g * f.cos / Except(slope, slope == 0.0, 1.0);
-    // Close to the pole and above the root g falls like 1/cos phi, and steps are no longer than the way to the pole.
-    const Mask stuck = (f.cos < 1e-3) & (g < -0.1 * r2) & (r2 > 1e-18);
-    const Mask enclosed = (newton >= low) & (newton <= high) & !stuck;
+    const Mask enclosed = (newton >= low) & (newton <= high);
     const Lanes next = Select(enclosed, newton, 0.5 * (low + high));
     const Lanes turn = Select(active, next - phi, 0.0);
     phi = phi + turn;
     f = SinCosAfter(f, phi, turn);
-    active = active & (abs(turn) > kPolyconicTolerance);
+    active = active & (abs(turn) > kPolyconicTolerance + kPolyconicRelative * abs(f.cos));
   }
   return {phi, f, A - PolyconicArc(c, phi, f) * (1.0 / c.a), active};
 }

@@ -17,11 +17,6 @@ constexpr internal::EngineRow<Albers> kRow = {kUnit, &lanes::KernelTable::albers
 // As kAlbersRoundOff of the kernels.
 constexpr double kRoundOff = 4e-15;
 
-// q (3-12) of a sine; (1/(2e)) ln((1 - e s)/(1 + e s)) is -artanh(e s)/e.
-double QOf(double e, double e2, double s) {
-  return (1.0 - e2) * (s / (1.0 - e2 * s * s) + std::atanh(e * s) / e);
-}
-
 bool SetUp(ProjectionParameters& radians, Albers& c) {
   const double e2 = internal::EccentricitySquared(radians);
   const double sin0 = std::sin(radians.Lat0), sin1 = std::sin(radians.Lat1), sin2 = std::sin(radians.Lat2);
@@ -44,8 +39,11 @@ bool SetUp(ProjectionParameters& radians, Albers& c) {
     c.qp = 2.0;
   } else {
     const bool isFlat = !(c.e < 1.0);  // a flattening so near 1 has no q at the poles
-    q0 = isFlat ? sin0 : QOf(c.e, e2, sin0);
-    const double q1 = isFlat ? sin1 : QOf(c.e, e2, sin1), q2 = isFlat ? sin2 : QOf(c.e, e2, sin2);
+    c.ie2 = 1.0 / e2;
+    // By the kernels' function, so that the q of a pole has exactly its latitude.
+    const auto qOf = [&c, isFlat](double sine) { return isFlat ? sine : one::AuthalicQ(c, sine); };
+    q0 = qOf(sin0);
+    const double q1 = qOf(sin1), q2 = qOf(sin2);
     // Deliberate: the text speaks of a sum, the test is on the difference.
     if (q2 - q1 == 0.0) {
       return ORV_FAIL(
@@ -57,8 +55,7 @@ bool SetUp(ProjectionParameters& radians, Albers& c) {
     const double m2 = internal::RadiusOfParallel(e2, radians.Lat2);
     c.n = isFlat ? 0.0 : (m1 * m1 - m2 * m2) / (q2 - q1);  // (14-14)
     c.C = m1 * m1 + c.n * q1;                              // (14-13)
-    c.qp = isFlat ? 1.0 : QOf(c.e, e2, 1.0);               // (14-20)
-    c.ie2 = 1.0 / e2;
+    c.qp = qOf(1.0);                                       // (14-20)
   }
   const double w = c.C - c.n * q0;
   const bool isApex = w < 0.0 && w >= -kRoundOff;

@@ -8,6 +8,7 @@
 
 #include "orv/core/internal/Angle.h"
 #include "orv/projection/ProjActor.h"
+#include "orv/projection/ProjTranAlbers.h"
 #include "orv/projection/Projector.h"
 #include "tests/projection/EngineProperties.h"
 #include "tests/support/Raises.h"
@@ -280,6 +281,21 @@ TEST(Polyconic, TheEquatorIsAStraightLineAndTrue) {
   }
 }
 
+// The set-up takes the q of the poles from the kernels' function: their inverse must find exactly them.
+TEST(Albers, TheQOfAPoleHasExactlyItsSine) {
+  for (const double f : {1 / 298.257223563, 1 / 298.257222101, kClarkeF, 1e-3, 3.7e-3, 0.0123, 0.08, 0.3}) {
+    orv::Albers c{};
+    c.e = std::sqrt((2.0 - f) * f);
+    c.ie2 = 1.0 / (c.e * c.e);
+    for (const double side : {1.0, -1.0}) {
+      c.qp = one::AuthalicQ(c, 1.0);
+      bool failed = false;
+      EXPECT_EQ(one::SineOfQ(c, side * c.qp, failed), side) << f;
+      EXPECT_FALSE(failed);
+    }
+  }
+}
+
 // y = a phi (1 + L^2/2) but for the third power of phi.
 TEST(Polyconic, KeepsItsDigitsNextToTheEquator) {
   const auto engine = MakeEngine(Cone(ProjectionMethodPolyconic, 0.0, 0, 0, 0));
@@ -312,6 +328,22 @@ TEST(Polyconic, InverseReachesTheWholeMap) {
         const shr::Vec2d back = Inverse(*engine, Forward(*engine, InRadians({0.0 + lon, 0.0 + lat})));
         ASSERT_NEAR(ToDegrees(back.x), lon, 1e-10) << lon << ", " << lat;
         ASSERT_NEAR(ToDegrees(back.y), lat, 1e-10) << lon << ", " << lat;
+      }
+    }
+  }
+}
+
+TEST(Polyconic, InverseKeepsItsDigitsNextToThePoles) {
+  for (const double f : {0.0, kClarkeF}) {
+    const auto engine = MakeEngine(Cone(ProjectionMethodPolyconic, f, 20, 0, 0));
+    for (const double colatitude : {1e-12, 1e-9, 3e-7, 1e-5, 1e-3, 2e-3, 0.03, 0.12}) {
+      for (const double side : {1.0, -1.0}) {
+        for (const double L : {0.0, 1e-9, 1e-3, 0.5, 1.5, 3.0, -3.1}) {
+          const double phi = side * (kHalfPi - colatitude);
+          const shr::Vec2d back = Inverse(*engine, Forward(*engine, {ToRadians(-96.0) + L, phi}));
+          EXPECT_NEAR(back.y, phi, 5e-15) << colatitude << ", " << L;
+          EXPECT_NEAR((back.x - ToRadians(-96.0) - L) * colatitude, 0.0, 1e-14) << colatitude << ", " << L;
+        }
       }
     }
   }

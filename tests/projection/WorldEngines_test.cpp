@@ -10,6 +10,7 @@
 #include "orv/core/internal/Angle.h"
 #include "orv/core/internal/Marker.h"
 #include "orv/projection/ProjActor.h"
+#include "orv/projection/ProjRobinson.h"
 #include "orv/projection/Projector.h"
 #include "orv/projection/RobinsonTables.h"
 #include "tests/projection/EngineProperties.h"
@@ -279,12 +280,6 @@ TEST(RobinsonTables, RowsEndAtTheNextNodeAndTheLengthsShrinkAsTheDistancesGrow) 
   }
 }
 
-// The interval of a distance as the kernels look it up: that of the nearest multiple of 1/32.
-int IntervalOf(const RobinsonSearch& search, double distance) {
-  const auto& at = search.at[std::lrint(distance * 32.0)];
-  return static_cast<int>(at.before) + (distance >= at.node ? 1 : 0);
-}
-
 void ExpectLastNodeReached(const RobinsonSearch& search, const std::vector<double>& nodes) {
   std::vector<double> distances = nodes;
   for (int k = 0; k <= 6400; ++k) distances.push_back(k / 6400.0);
@@ -296,7 +291,7 @@ void ExpectLastNodeReached(const RobinsonSearch& search, const std::vector<doubl
   for (const double distance : distances) {
     int i = 0;
     while (i + 1 < kRobinsonIntervals && nodes[static_cast<std::size_t>(i + 1)] <= distance) ++i;
-    EXPECT_EQ(IntervalOf(search, distance), i) << distance;
+    EXPECT_EQ(one::RobinsonRowOf(distance, search), i) << distance;
   }
 }
 
