@@ -6,9 +6,9 @@
 //
 // Four lanes and more are two registers of the vector extension of GCC and clang, and whatever is computed is computed on
 // the one and then on the other: a kernel is a long chain of steps, each of which waits for the one before it, and while
-// those of one register wait those of the other run (1.1 to 1.7 times as many points a second; more registers than two
-// brought nothing).  + - * / < == & | ^ >> are operators, so that a kernel reads like scalar code, a number stands
-// for lanes that all have its value, and Select(mask, a, b) is the choice of each lane.
+// those of one register wait those of the other run (up to 1.7 times as many points a second).  + - * / < == & | ^ >> are
+// operators, so that a kernel reads like scalar code, a number stands for lanes that all have its value, and
+// Select(mask, a, b) is the choice of each lane.
 //
 // Kernel units are compiled with -m flags, so they must not use an inline function of another header: the
 // linker may keep that copy for everyone.  This header includes nothing but <cstddef> and, on x86, the
